@@ -1,10 +1,18 @@
-# What every target of this tree shares: warnings, the system's name in file suffixes, test programs.
+# What every target of this tree shares: dependencies, warnings, sanitizers, the system's name in file suffixes, and
+# the functions that make test, benchmark and fuzz programs.
 
 find_package(Threads REQUIRED)
 find_package(Boost 1.74 REQUIRED)
 find_package(TBB REQUIRED)
 find_package(ICU REQUIRED COMPONENTS uc)
-find_package(PkgConfig REQUIRED)
+
+# Only the header of the status codes is used; nothing of gRPC is linked.
+find_path(QILSYS_GRPC_INCLUDE_DIR grpcpp/support/status_code_enum.h REQUIRED)
+mark_as_advanced(QILSYS_GRPC_INCLUDE_DIR)
+
+add_library(qilsys_dependencies INTERFACE)
+target_include_directories(qilsys_dependencies SYSTEM INTERFACE ${QILSYS_GRPC_INCLUDE_DIR})
+target_link_libraries(qilsys_dependencies INTERFACE Threads::Threads Boost::headers TBB::tbb ICU::uc)
 
 if(WIN32)
   set(QILSYS_SYSTEM win)
@@ -12,8 +20,26 @@ else()
   set(QILSYS_SYSTEM linux)
 endif()
 
+option(QILSYS_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+option(QILSYS_TESTS_ONE_BY_ONE "Register every test case with CTest, rather than every test program" ON)
+set(QILSYS_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")
+
+if(QILSYS_SANITIZE)
+  add_compile_options(-fsanitize=${QILSYS_SANITIZE} -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${QILSYS_SANITIZE})
+endif()
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  find_program(QILSYS_CCACHE ccache)
+  mark_as_advanced(QILSYS_CCACHE)
+  if(QILSYS_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${QILSYS_CCACHE})
+  endif()
+endif()
+
 add_library(qilsys_warnings INTERFACE)
-target_compile_options(qilsys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+target_compile_options(qilsys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                                                 $<$<BOOL:${QILSYS_WARNINGS_AS_ERRORS}>:-Werror>)
 
 # Adds a test program NAME_tests from SOURCES; it links the compiled code itself, so that it sees inside.
 function(qilsys_add_tests name)
@@ -21,5 +47,49 @@ function(qilsys_add_tests name)
   add_executable(${name}_tests ${arg_SOURCES})
   target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name}_tests PRIVATE qilsys_inside qilsys_warnings GTest::gmock GTest::gtest_main ${arg_LIBRARIES})
-  gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS "${name};${arg_LABELS}")
+  if(QILSYS_TESTS_ONE_BY_ONE)
+    gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS "${name};${arg_LABELS}")
+  else()
+    # Under a sanitizer starting the program costs more than most test cases.
+    add_test(NAME ${name}_tests COMMAND ${name}_tests --gtest_brief=1)
+    set_tests_properties(${name}_tests PROPERTIES TIMEOUT 900 LABELS "${name};${arg_LABELS}")
+  endif()
+endfunction()
+
+# Adds a benchmark program NAME_benchmark from SOURCES, and a test that runs each of its benchmarks once, briefly.
+function(qilsys_add_benchmark name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name}_benchmark ${arg_SOURCES})
+  target_link_libraries(${name}_benchmark PRIVATE qilsys_inside qilsys_warnings benchmark::benchmark_main ${arg_LIBRARIES})
+  set_property(GLOBAL APPEND PROPERTY QILSYS_BENCHMARKS ${name}_benchmark)
+  if(QILSYS_BUILD_TESTS)
+    # From version 1.8 on the flag takes a number of iterations; before, only a time.
+    if(benchmark_VERSION VERSION_GREATER_EQUAL 1.8)
+      set(once --benchmark_min_time=1x)
+    else()
+      set(once --benchmark_min_time=0.000001)
+    endif()
+    add_test(NAME ${name}_benchmark.once COMMAND ${name}_benchmark ${once})
+    set_tests_properties(${name}_benchmark.once PROPERTIES TIMEOUT 300 LABELS benchmark)
+  endif()
+endfunction()
+
+# Adds a fuzz program NAME_fuzz from SOURCES, which define LLVMFuzzerTestOneInput. With QILSYS_FUZZ and clang it is a
+# libFuzzer program; else a small main replays the files of CORPUS, which is a test with every compiler.
+function(qilsys_add_fuzz_target name)
+  cmake_parse_arguments(arg "" "CORPUS" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name}_fuzz ${arg_SOURCES})
+  target_link_libraries(${name}_fuzz PRIVATE qilsys_inside qilsys_warnings ${arg_LIBRARIES})
+  get_filename_component(corpus "${arg_CORPUS}" ABSOLUTE)
+  if(QILSYS_FUZZ)
+    target_link_options(${name}_fuzz PRIVATE -fsanitize=fuzzer)
+    set(replay -runs=0 ${corpus})
+  else()
+    target_sources(${name}_fuzz PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/ReplayMain.cpp)
+    set(replay ${corpus})
+  endif()
+  if(QILSYS_BUILD_TESTS)
+    add_test(NAME ${name}_fuzz.replay COMMAND ${name}_fuzz ${replay})
+    set_tests_properties(${name}_fuzz.replay PROPERTIES TIMEOUT 300 LABELS fuzz)
+  endif()
 endfunction()
