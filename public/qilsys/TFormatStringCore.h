@@ -1,0 +1,150 @@
+/// Message templates with numbered markers.
+///
+///     TFormatStringCore(u"%1 of %2 files").arg(3).arg(total).result()
+///
+/// A template holds text, markers "%1" to "%99", and "%%" for one percent sign. It is read once, when it is set, and a
+/// bad one fails there. A marker may stand any number of times, in any order, or be left out; a parameter's own text is
+/// never read as a template.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <type_traits>
+#include <vector>
+
+#include "qilsys/Export.h"
+#include "qilsys/QuillonException.h"
+#include "qilsys/TCodeUnit.h"
+#include "qilsys/TError.h"
+#include "qilsys/TForeignText.h"
+#include "qilsys/TStringCore.h"
+
+/// A template and its parameters. A value: `result` and `formatString` may run at once on one object, everything else
+/// needs exclusive use.
+class QILSYS_API TFormatStringCore {
+ public:
+  class Exception;
+
+  /// Sets the template. Every constructor and assignment from text raises `Exception` for a bad template. They are
+  /// explicit, so that a literal handed to an exception is plain text and never a template by accident.
+  explicit TFormatStringCore(TStringCore const& format);
+  /// The same with zero-terminated text; null counts as empty.
+  explicit TFormatStringCore(TCodeUnit const* format);
+  template <ForeignUnit U>
+  explicit TFormatStringCore(U const* format) : TFormatStringCore(TStringCore(format)) {}
+  /// The same with zero-terminated UTF-8; null counts as empty.
+  template <std::same_as<char> C>
+  explicit TFormatStringCore(C const* format) : TFormatStringCore(TStringCore(format)) {}
+  TFormatStringCore(TFormatStringCore const&);
+  ~TFormatStringCore();
+
+  TFormatStringCore& operator=(TFormatStringCore const&);
+  /// Replaces the template; parameters already given stay. After a failure the object must not be used.
+  TFormatStringCore& operator=(TStringCore const& format);
+  TFormatStringCore& operator=(TCodeUnit const* format);
+  template <ForeignUnit U>
+  TFormatStringCore& operator=(U const* format) {
+    return *this = TStringCore(format);
+  }
+
+  /// Appends the next parameter. A text shorter than `fieldWidth` is padded with `fill` on its left, for a negative
+  /// `fieldWidth` on its right; a longer one is never cut.
+  TFormatStringCore& arg(TStringCore const& a, int fieldWidth = 0, TCodeUnit fill = u' ');
+  /// Appends a number, converted by `TStringCore::number` in `base` and then padded as text: a sign stands inside the
+  /// fill, so -42 in width 5 with fill "0" is "00-42". Raises `TStringCore::Exception` for a bad base.
+  TFormatStringCore& arg(short a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
+  TFormatStringCore& arg(unsigned short a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
+  TFormatStringCore& arg(int a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
+  TFormatStringCore& arg(unsigned int a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
+  TFormatStringCore& arg(long a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
+  TFormatStringCore& arg(unsigned long a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
+  TFormatStringCore& arg(long long a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
+  TFormatStringCore& arg(unsigned long long a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
+  /// Appends a floating-point number by `TStringCore::number(a, format, precision, decimalForm)`, padded as text.
+  TFormatStringCore& arg(double a, int fieldWidth = 0, char format = 'g', int precision = 6, TCodeUnit fill = u' ',
+                         bool decimalForm = false);
+  /// Appends one character as a text of its own.
+  TFormatStringCore& arg(TCodeUnit a, int fieldWidth = 0, TCodeUnit fill = u' ');
+
+  /// Appends two to ten texts in order, unpadded.
+  template <class... Texts>
+    requires(sizeof...(Texts) >= 2 && sizeof...(Texts) <= 10 && (std::convertible_to<Texts const&, TStringCore> && ...))
+  TFormatStringCore& arg(Texts const&... texts) {
+    (append(texts), ...);
+    return *this;
+  }
+  /// Replaces all parameters by these. The other forms append.
+  TFormatStringCore& arg(std::vector<TStringCore> const& all);
+
+  /// The forms above for a character or a fill of the other unit type. A fill that needs two units becomes U+FFFD.
+  template <ForeignUnit U>
+  TFormatStringCore& arg(U a, int fieldWidth = 0) {
+    return arg(a, fieldWidth, TCodeUnit{u' '});
+  }
+  template <ForeignUnit U, class Fill>
+    requires(ForeignUnit<Fill> || std::same_as<Fill, TCodeUnit>)
+  TFormatStringCore& arg(U a, int fieldWidth, Fill fill) {
+    TForeignText const text(a);
+    return arg(TStringCore(text.data(), text.length()), fieldWidth, fill);
+  }
+  template <ForeignUnit U>
+  TFormatStringCore& arg(TCodeUnit a, int fieldWidth, U fill) {
+    return arg(a, fieldWidth, ForeignToUnit(fill));
+  }
+  template <ForeignUnit U>
+  TFormatStringCore& arg(TStringCore const& a, int fieldWidth, U fill) {
+    return arg(a, fieldWidth, ForeignToUnit(fill));
+  }
+  template <std::integral T, ForeignUnit U>
+  TFormatStringCore& arg(T a, int fieldWidth, int base, U fill) {
+    return arg(a, fieldWidth, base, ForeignToUnit(fill));
+  }
+  template <ForeignUnit U>
+  TFormatStringCore& arg(double a, int fieldWidth, char format, int precision, U fill, bool decimalForm = false) {
+    return arg(a, fieldWidth, format, precision, ForeignToUnit(fill), decimalForm);
+  }
+
+  /// The template with every marker replaced, made with one allocation at most. Raises `Exception` if a marker has no
+  /// parameter; parameters without a marker are ignored.
+  TStringCore result() const;
+  operator TStringCore() const;
+
+  /// The template as it was set.
+  TStringCore formatString() const;
+  /// Drops the parameters, so that the template can be filled again.
+  void clearParms();
+  /// The object itself, for a chain of `arg` to start from.
+  TFormatStringCore& args();
+
+ private:
+  // One marker of the template; number 0 is the percent sign that "%%" stands for.
+  struct Marker {
+    std::int32_t position;
+    std::int32_t length;
+    std::int32_t number;
+  };
+
+  void setFormat();
+  void scanForMarkers();
+  void addMarker(Marker const& marker);
+  void requireParameters() const;
+  int resultLength() const;
+  TStringCore const& parameter(Marker const& marker) const;
+  void append(TStringCore const& a);
+  TFormatStringCore& appendPadded(TStringCore&& a, int fieldWidth, TCodeUnit fill);
+
+  std::int32_t m_highestMarker = 0;
+  std::vector<Marker> m_markers;
+  std::vector<TStringCore> m_parameters;
+  TStringCore m_format;
+};
+
+/// A bad template, or too few parameters for it. `Clone` and `Throw` are those of QuillonException and yield a plain
+/// QuillonException.
+class QILSYS_API TFormatStringCore::Exception : public QuillonException {
+ public:
+  Exception(TStringCore const& message, TError::ErrorInfo const& info);
+  Exception(Exception const&);
+  Exception& operator=(Exception const&);
+  ~Exception() override;
+};
