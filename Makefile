@@ -1,0 +1,62 @@
+# The verbs of this tree; each is a thin call of CMake, CTest or a script. `make help` lists them.
+JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+
+.DEFAULT_GOAL := help
+.DELETE_ON_ERROR:
+.PHONY: help setup build demo test asan tsan check coverage bench install clean format
+
+help: ## Show this list
+	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "make %-10s %s\n", $$1, $$2 }' Makefile
+
+setup: ## Install what building, testing and the demo need, where it is missing
+	@scripts/setup base
+
+build: setup build/release/build.ninja ## Build everything, optimised
+	@cmake --build --preset release -j $(JOBS)
+
+demo: setup build/release/build.ninja ## Build and run the demo
+	@scripts/setup demo
+	@cmake --build --preset release -j $(JOBS) --target qilsys_demo
+	@build/release/examples/demo/qilsys_demo
+
+test: build ## Build and run all tests
+	@ctest --preset release -j $(JOBS)
+
+asan: setup ## Run all tests under AddressSanitizer and UndefinedBehaviorSanitizer, built by clang
+	@scripts/setup clang
+	@$(MAKE) --no-print-directory test-asan
+
+tsan: setup test-tsan ## Run all tests under ThreadSanitizer
+
+check: setup ## Check form, headers, exported symbols, build lists, layering and warnings
+	@scripts/setup clang check
+	@scripts/check
+
+coverage: setup ## Print the line coverage of main/
+	@scripts/setup coverage
+	@$(MAKE) --no-print-directory test-coverage
+	@gcovr --root . --filter main/ --exclude-throw-branches build/coverage -j $(JOBS) --print-summary
+
+bench: build ## Run all benchmarks
+	@find build/release/benchmarks -name '*_benchmark' -type f -print0 | sort -z | xargs -0 -r -n 1 sh -c 'echo "== $$0"; exec "$$0"'
+
+install: build ## Install under PREFIX (/usr/local)
+	@cmake --install build/release --prefix $(PREFIX)
+
+clean: ## Remove everything that was built
+	@rm -rf build
+
+format: ## Format all sources in place
+	@scripts/setup check
+	@git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format -i
+
+test-%: build/%/build.ninja
+	@cmake --build --preset $* -j $(JOBS)
+	@ctest --preset $* -j $(JOBS)
+
+# CMake runs itself again when its own files change; what a preset says is only read here.
+.PRECIOUS: build/%/build.ninja
+build/%/build.ninja: CMakePresets.json
+	@cmake --preset $*
+	@touch $@
