@@ -1,0 +1,49 @@
+/// The small questions that a program asks of its host.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "qilsys/Export.h"
+#include "qilsys/TStringCore.h"
+
+namespace TSystem {
+
+/// Memory of the machine, or of the part of it that this process may use where that is less.
+struct MemoryInfo {
+  /// Bytes free.
+  std::uint64_t m_availablePhysical;
+  /// Bytes in use: total less available, and 1 where that would be 0.
+  std::uint64_t m_usedPhysical;
+  /// Bytes in all.
+  std::uint64_t m_totalPhysical;
+  /// Bytes in a page.
+  std::uint32_t m_pageSize;
+  /// Percent of memory in use, 0 to 100.
+  std::uint32_t m_memoryLoad;
+};
+
+QILSYS_API unsigned int ProcessID();
+/// The system's own number of the calling thread.
+QILSYS_API unsigned long long ThreadID();
+/// Sleeps for at least this many milliseconds.
+QILSYS_API void Sleep(unsigned int milliseconds);
+
+/// What the host's callback says, false without one.
+QILSYS_API bool IsDesktopMainThread();
+/// Stores the callback of IsDesktopMainThread and returns the one it replaces. Takes no lock: it belongs to start-up.
+QILSYS_API std::function<bool()> SetDesktopMainThreadFunc(std::function<bool()> isMainThread);
+
+/// The charset of the process's 8-bit text, such as "UTF-8". The same pointer on every call.
+QILSYS_API char const* Local8BitEncoding();
+
+/// Figures of now; all zero but the used memory where the system gives none.
+QILSYS_API MemoryInfo Memory();
+/// Whole milliseconds since the library was loaded; wraps after 49 days.
+QILSYS_API unsigned int AppUpTime();
+/// The text of the calling thread's last failed system call.
+QILSYS_API TStringCore GetLastErrorString();
+/// The name as text; nothing is demangled.
+QILSYS_API TStringCore unmangleClassName(char const* name);
+
+}  // namespace TSystem
