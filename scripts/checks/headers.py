@@ -1,0 +1,76 @@
+#!/usr/bin/env python3
+"""Every public header compiles alone and twice, and brings in nothing but the C++ library and what its interface shows.
+
+A header of the operating system that the C++ library includes for itself can't be helped; so what counts is what our
+headers name, and what the few dependency headers that they may name pull in.
+"""
+import os
+import re
+import subprocess
+from concurrent.futures import ThreadPoolExecutor
+
+from tree import Report, read, tracked, without_comments
+
+# Headers of dependencies whose types stand in the interface.
+DEPENDENCIES = re.compile(r'grpcpp/support/status_code_enum\.h|boost/any\.hpp|boost/circular_buffer\.hpp|'
+                          r'boost/uuid/uuid\.hpp|tbb/(concurrent_vector|cache_aligned_allocator)\.h')
+CXX = os.environ.get('CXX', 'g++')
+FLAGS = ['-std=c++20', '-Ipublic', '-Wall', '-Wextra', '-Wpedantic', '-Wshadow', '-Wconversion', '-Werror']
+CXX_LIBRARY = re.compile(r'/include/(x86_64-linux-gnu/|aarch64-linux-gnu/)?c\+\+/')
+COMPILER = re.compile(r'/lib/(gcc|llvm)')
+SYSTEM = re.compile(r'/include/(?:[\w-]+-linux-gnu/)?((?:sys|net|netinet|arpa|linux|asm)/[\w/.-]+|unistd\.h|pthread\.h|'
+                    r'semaphore\.h|dlfcn\.h|fcntl\.h|poll\.h|signal\.h|link\.h|spawn\.h|sched\.h|windows\.h|winsock2\.h)$')
+
+
+def compile(code, *flags):
+    return subprocess.run([CXX, *FLAGS, *flags, '-x', 'c++', '-fsyntax-only', '-'], input=code, capture_output=True, text=True)
+
+
+def standard_headers():
+    """Names of the C++ library: <vector>, <cstdio>, but no <stdio.h>."""
+    out = subprocess.run([CXX, '-std=c++20', '-E', '-v', '-x', 'c++', '-'], input='', capture_output=True, text=True).stderr
+    folders = re.findall(r'^ (/\S*/c\+\+/\d+)$', out, re.M)
+    return {n for f in folders for n in os.listdir(f) if re.fullmatch(r'[a-z_]+[0-9]?[a-z]*', n)}
+
+
+def system_headers_of(include):
+    """Headers of the operating system that `include` reaches by a way that does not lead through the C++ library."""
+    found, trail = [], []
+    for line in compile(f'#include <{include}>\n', '-H').stderr.splitlines():
+        if match := re.match(r'(\.+) (\S+)', line):
+            depth, path = len(match.group(1)), os.path.normpath(match.group(2))
+            trail[depth - 1:] = [path]
+            if SYSTEM.search(path) and not any(CXX_LIBRARY.search(p) or COMPILER.search(p) for p in trail):
+                found.append(' -> '.join(trail))
+    return found
+
+
+def check_text(report, path, standard, dependencies):
+    text = without_comments(read(path))
+    first = re.search(r'^[ \t]*#.*$', text, re.M)
+    if not first or first.group(0).split() != ['#pragma', 'once']:
+        report.wrong(path, 'its first directive is not #pragma once')
+    for name in re.findall(r'^[ \t]*#[ \t]*include[ \t]*[<"]([^>"]+)[>"]', text, re.M):
+        if name.startswith('qilsys/'):
+            if not os.path.exists(f'public/{name}'):
+                report.wrong(f'{path}->{name}', 'not a public header')
+        elif DEPENDENCIES.fullmatch(name):
+            dependencies.add(name)
+        elif name not in standard:
+            report.wrong(f'{path}->{name}', 'neither ours, nor the C++ library, nor a dependency of the interface')
+
+
+report, dependencies, standard = Report('headers'), set(), standard_headers()
+headers = tracked('public/*.h')
+for path in headers:
+    check_text(report, path, standard, dependencies)
+for name in sorted(dependencies):
+    for trail in system_headers_of(name):
+        report.wrong(name, f'brings in a header of the operating system: {trail}')
+
+with ThreadPoolExecutor(os.cpu_count()) as pool:
+    codes = [f'#include "{h.removeprefix("public/")}"\n' * 2 for h in headers]
+    for path, result in zip(headers, pool.map(compile, codes)):
+        if result.returncode:
+            report.wrong(path, 'does not compile alone and twice:\n' + result.stderr[:1500])
+report.finish()

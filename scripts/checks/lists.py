@@ -1,0 +1,46 @@
+#!/usr/bin/env python3
+"""Every source is in a build list, every test, benchmark and program stands by what it is about."""
+import os
+import re
+
+from tree import Report, read, stem, tracked
+
+report = Report('lists')
+
+
+def listed_in(folder):
+    """The text of the build lists that may name a file of `folder`: its own and those above it."""
+    texts = []
+    while folder:
+        path = os.path.join(folder, 'CMakeLists.txt')
+        texts += [read(path)] if os.path.exists(path) else []
+        folder = os.path.dirname(folder)
+    return '\n'.join(texts)
+
+
+def is_listed(path):
+    names = [os.path.basename(path)]
+    names += [re.sub(r'_(linux|win)\.cpp$', '_${QILSYS_SYSTEM}.cpp', names[0])]
+    return any(re.search(r'(?<![\w.-])' + re.escape(n) + r'(?![\w.-])', listed_in(os.path.dirname(path))) for n in names)
+
+
+for path in tracked('main/*.cpp', 'tests/*.cpp', 'benchmarks/*.cpp', 'fuzz/*.cpp', 'examples/*.cpp'):
+    # The replay main is named where the function that uses it stands.
+    if not is_listed(path) and os.path.basename(path) not in read('cmake/QilsysTargets.cmake'):
+        report.wrong(path, 'named in no CMakeLists.txt of its folder or above')
+
+concepts = {}
+for path in tracked('main/*.cpp', 'main/*.h', 'public/*.h'):
+    concepts.setdefault(stem(path), []).append(path)
+
+for path in tracked('tests/*_test.cpp', 'benchmarks/*_benchmark.cpp'):
+    area = os.path.basename(os.path.dirname(path))
+    homes = concepts.get(stem(path), [])
+    if not any(h.startswith((f'main/{area}/', 'public/')) for h in homes):
+        report.wrong(path, f'no {stem(path)}.cpp or .h in main/{area} or public/qilsys')
+
+for path in tracked('tests/*.cpp'):
+    if not path.endswith('_test.cpp') and not path.startswith(('tests/support/', 'tests/install/')):
+        if re.search(r'^(TEST|TEST_F|TEST_P|TYPED_TEST\w*)\(', read(path), re.M):
+            report.wrong(path, 'holds tests, but its name does not end in _test.cpp')
+report.finish()
