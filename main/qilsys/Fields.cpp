@@ -1,0 +1,16 @@
+#include "qilsys/Fields.h"
+
+namespace qilsys::search {
+
+std::vector<FieldSpan> findSpans(const TCodeUnit* text, int len, const TCodeUnit* sep, bool dropEmpty,
+                                 CaseSensitivity cs) {
+  std::vector<FieldSpan> spans;
+  const int sepLen = unitLength(sep);
+  if (text == nullptr || sepLen == 0) return spans;
+  eachField(text, len, sep, sepLen, cs, [&](int offset, int length) {
+    if (length != 0 || !dropEmpty) spans.push_back({offset, length});
+  });
+  return spans;
+}
+
+}  // namespace qilsys::search
