@@ -10,9 +10,11 @@ find_package(ICU REQUIRED COMPONENTS uc)
 find_path(QILSYS_GRPC_INCLUDE_DIR grpcpp/support/status_code_enum.h REQUIRED)
 mark_as_advanced(QILSYS_GRPC_INCLUDE_DIR)
 
+add_library(qilsys_grpc_header INTERFACE)
+target_include_directories(qilsys_grpc_header SYSTEM INTERFACE ${QILSYS_GRPC_INCLUDE_DIR})
+
 add_library(qilsys_dependencies INTERFACE)
-target_include_directories(qilsys_dependencies SYSTEM INTERFACE ${QILSYS_GRPC_INCLUDE_DIR})
-target_link_libraries(qilsys_dependencies INTERFACE Threads::Threads Boost::headers TBB::tbb ICU::uc)
+target_link_libraries(qilsys_dependencies INTERFACE qilsys_grpc_header Threads::Threads Boost::headers TBB::tbb ICU::uc)
 
 if(WIN32)
   set(QILSYS_SYSTEM win)

@@ -12,8 +12,7 @@ from concurrent.futures import ThreadPoolExecutor
 from tree import Report, read, tracked, without_comments
 
 # Headers of dependencies whose types stand in the interface.
-DEPENDENCIES = re.compile(r'grpcpp/support/status_code_enum\.h|boost/any\.hpp|boost/circular_buffer\.hpp|'
-                          r'boost/uuid/uuid\.hpp|tbb/(concurrent_vector|cache_aligned_allocator)\.h')
+DEPENDENCIES = re.compile(r'grpcpp/support/status_code_enum\.h')
 CXX = os.environ.get('CXX', 'g++')
 FLAGS = ['-std=c++20', '-Ipublic', '-Wall', '-Wextra', '-Wpedantic', '-Wshadow', '-Wconversion', '-Werror']
 CXX_LIBRARY = re.compile(r'/include/(x86_64-linux-gnu/|aarch64-linux-gnu/)?c\+\+/')

@@ -1,0 +1,12 @@
+#include <cstdio>
+
+#include "qilsys/qilsys.h"
+
+int main() {
+  try {
+    throw QuillonException(TFormatStringCore(u"the %1 works").arg(TStringCore(u"consumer")));
+  } catch (const QuillonException& e) {
+    std::puts(e.GetMessagesFront().toStdString().c_str());
+  }
+  return 0;
+}
