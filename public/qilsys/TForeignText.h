@@ -1,49 +1,92 @@
-/// Text of the other unit type on its way into an operation on TCodeUnit.
+/// A text or single unit of the platform's other unit type, turned into TCodeUnit. This is the one bridge by which the
+/// foreign form of an operation reaches its native form; see TCodeUnit.h.
 #pragma once
 
-#include <memory>
+#include <concepts>
 
 #include "qilsys/Export.h"
 #include "qilsys/TCodeUnit.h"
 
-/// A text of TForeignUnit as UTF-16, for the length of one call.
-///
-/// Where foreign units are code points they are converted: a value above 0x10FFFF becomes U+FFFD, a surrogate value
-/// passes as one unit, and the units end with a NUL. Short text stays in the object and allocates nothing. Where they
-/// are 16 bits wide the caller's own units are shown, NUL-terminated or not as they came.
-///
-/// Raises TStringCore::CapacityException where text and terminator would not fit a TStringCore, and
-/// TStringCore::OutOfMemoryException.
+/// True for `char` alone: a template on it takes UTF-8 text beside a native form without making `nullptr` ambiguous.
+template <class T>
+concept NarrowUnit = std::same_as<T, char>;
+
+/// The converted text of one argument, NUL-terminated, alive as long as this object. Where both unit types have 16 bits
+/// the units are those of the argument itself; otherwise each element is a code point: one above U+10FFFF becomes U+FFFD
+/// and a surrogate value passes as one unit. Never null-tests for the caller: null stays null.
 class QILSYS_API TForeignText {
  public:
-  /// `len` counts elements of `s`; a negative one means up to the NUL. `s` may be null: data() is null then too.
-  TForeignText(const TForeignUnit* s, int len = -1);
-  /// One character, which may take two units.
-  explicit TForeignText(TForeignUnit c);
-
+  /// Converts `len` elements of `s`, or up to its NUL where `len` is negative. Raises TStringCore::CapacityException
+  /// where the result would exceed the string limit, TStringCore::OutOfMemoryException where memory ends.
+  explicit TForeignText(const TForeignUnit* s, int len = -1);
+  /// One element: a text of one or two units.
+  explicit TForeignText(TForeignUnit c) noexcept;
+  ~TForeignText();
   TForeignText(const TForeignText&) = delete;
   TForeignText& operator=(const TForeignText&) = delete;
 
-  /// Null only if the source was null; lives as long as this object.
-  const TCodeUnit* data() const { return m_data; }
-  /// In UTF-16 units.
-  int length() const { return m_length; }
+  /// The elements of `s` before its NUL, at most `limit` of them where that is not negative: 0 for null.
+  static int Measure(const TForeignUnit* s, int limit = -1);
+
+  /// The units, or null where the argument was null.
+  const TCodeUnit* data() const noexcept { return m_units; }
+  /// The number of units; where the argument was null, the length that came with it.
+  int length() const noexcept { return m_length; }
+  /// The number of elements that were converted.
+  int elements() const noexcept { return m_elements; }
+
+  /// The unit index of an element index. A negative one counts from the end and stays negative; one past the end
+  /// stays as far past it.
+  int UnitIndex(int elementIndex) const noexcept;
+  /// The element index of a unit index; -1 stays -1.
+  int ElementIndex(int unitIndex) const noexcept;
+
+  /// Calls `f` with the unit where the text is one unit, else with the text, and gives its result.
+  template <class Function>
+  decltype(auto) Visit(Function f) const {
+    return m_length == 1 ? f(m_units[0]) : f(m_units);
+  }
 
  private:
-  static constexpr int InlineUnits = 64;
+  static constexpr int InlineRoom = 32;
 
-  TCodeUnit* Reserve(int units);
-  void Convert(const TForeignUnit* s, int len);
-  void Show(const TForeignUnit* s, int len);
+  void Convert(const TForeignUnit* s);
+  TCodeUnit* Reserve(long long units);
 
-  const TCodeUnit* m_data = nullptr;
+  const TCodeUnit* m_units = nullptr;
+  TCodeUnit* m_allocated = nullptr;
+  const TForeignUnit* m_source = nullptr;
   int m_length = 0;
-  std::unique_ptr<TCodeUnit[]> m_heap;
-  TCodeUnit m_inline[InlineUnits];
+  int m_elements = 0;
+  TCodeUnit m_inline[InlineRoom];
 };
 
-/// The one unit of `c`, or U+FFFD if it needs two.
-constexpr TCodeUnit ForeignToUnit(TForeignUnit c) {
-  const auto value = static_cast<char32_t>(c);
-  return static_cast<TCodeUnit>(value > 0xFFFF ? 0xFFFD : value);
+/// A caller's writable NUL-terminated buffer of foreign units while a native operation edits its text in place.
+class QILSYS_API TForeignBuffer {
+ public:
+  explicit TForeignBuffer(TForeignUnit* text);
+  ~TForeignBuffer();
+  TForeignBuffer(const TForeignBuffer&) = delete;
+  TForeignBuffer& operator=(const TForeignBuffer&) = delete;
+
+  /// The writable units, or null where the argument was null.
+  TCodeUnit* data() noexcept { return m_units; }
+  /// As TForeignText::UnitIndex.
+  int UnitIndex(int elementIndex) const noexcept { return m_text.UnitIndex(elementIndex); }
+  /// Writes the first `units` units and the unit behind them back to the buffer and gives the elements before the latter.
+  int Store(int units) noexcept;
+
+ private:
+  TForeignText m_text;
+  TForeignUnit* m_target;
+  TCodeUnit* m_units;
+};
+
+/// The unit of one foreign element; U+FFFD where it would need two.
+inline TCodeUnit ForeignToUnit(TForeignUnit c) noexcept {
+  if constexpr (sizeof(TForeignUnit) > sizeof(TCodeUnit)) {
+    return static_cast<unsigned long>(c) > 0xFFFF ? TCodeUnit{0xFFFD} : static_cast<TCodeUnit>(c);
+  } else {
+    return static_cast<TCodeUnit>(c);
+  }
 }
