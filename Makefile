@@ -36,13 +36,14 @@ check: setup ## Check form, headers, exported symbols, build lists, layering and
 coverage: setup ## Print the line coverage of main/
 	@scripts/setup coverage
 	@$(MAKE) --no-print-directory test-coverage
-	@gcovr --root . --filter main/ --exclude-throw-branches build/coverage -j $(JOBS) --print-summary
+	@gcovr --root . --filter main/ --print-summary --fail-under-line 95 build/coverage -j $(JOBS)
 
 bench: build ## Run all benchmarks
 	@find build/release/benchmarks -name '*_benchmark' -type f -print0 | sort -z | xargs -0 -r -n 1 sh -c 'echo "== $$0"; exec "$$0"'
 
 install: build ## Install under PREFIX (/usr/local)
 	@cmake --install build/release --prefix $(PREFIX)
+	@[ -n "$(DESTDIR)" ] || [ "$$(id -u)" -ne 0 ] || ldconfig
 
 clean: ## Remove everything that was built
 	@rm -rf build
