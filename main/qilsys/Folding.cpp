@@ -54,7 +54,8 @@ FoldingTable::Originals FoldingTable::originals(TCodeUnit folded) const {
     if (found.count == Originals::MaxUnits) return {};
     found.units[found.count++] = change->original;
   }
-  std::sort(found.units, found.units + found.count);
+  // The changes are ordered; only the first unit may stand in the wrong place.
+  std::rotate(found.units, found.units + 1, std::lower_bound(found.units + 1, found.units + found.count, folded));
   return found;
 }
 
