@@ -1,0 +1,595 @@
+/// TStringCore, the UTF-16 text value of every interface.
+///
+/// Positions and lengths are `int` in 16-bit code units unless a name says code points. A negative length means that
+/// the text runs to its NUL. Positions outside the text do nothing or give -1, empty text or the end iterator; only
+/// element access, number bases, capacity limits and conversions raise, and a failed operation leaves the text as it
+/// was. Every argument of type `const TCodeUnit*` may be null. Arguments may point into the string's own text.
+///
+/// Each operation on TCodeUnit has a second form on the platform's other unit type; see TForeignForms.h.
+#pragma once
+
+#include <atomic>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "qilsys/Export.h"
+#include "qilsys/TCodeUnit.h"
+#include "qilsys/TForeignForms.h"
+#include "qilsys/TMemory.h"
+#include "qilsys/TStringOptions.h"
+
+/// Text of up to 14 units lives inside the object; longer text lives in a counted block that copies share until one of
+/// them writes. Units are never validated and may include NUL. Different objects may be used from different threads
+/// even where they share a block; one object is not safe while any thread writes to it.
+class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
+ public:
+  using value_type = TCodeUnit;
+  using size_type = std::size_t;
+  using difference_type = std::ptrdiff_t;
+  using CodePointIterator = TConstCodePointIterator<TStringCore>;
+
+  class Exception;
+  class CapacityException;
+  class OutOfMemoryException;
+
+  /// The most code units a block has room for, terminator included.
+  static constexpr int MaxStringCapacity = 0x7FFFFFF8;
+
+  // ---- Construction and assignment
+
+  TStringCore() noexcept;
+  /// Copies `len` units as they are. Null gives empty text.
+  TStringCore(const TCodeUnit* s, int len = -1);
+  template <ForeignUnit U>
+  TStringCore(const U* s, int len = -1) : TStringCore(TForeignText(s, s ? len : 0)) {}
+  /// `s` is UTF-8 of `len` bytes; undecodable input becomes U+FFFD. Null gives empty text.
+  template <NarrowUnit C>
+  TStringCore(const C* s, int len = -1) : TStringCore() {
+    appendUtf8(s, len);
+  }
+  /// `n` copies of `c`; none where `n` is negative. A `char` is zero-extended, not decoded.
+  TStringCore(TCodeUnit c, int n) : TStringCore() { assign(c, n); }
+  TStringCore(char c, int n) : TStringCore() { assign(c, n); }
+  template <ForeignUnit U>
+  TStringCore(U c, int n) : TStringCore() {
+    assign(c, n);
+  }
+  /// The text of `text`, empty where that is null.
+  explicit TStringCore(const TForeignText& text) : TStringCore(text.data(), text.length()) {}
+
+  /// Copies share a block: one atomic increment.
+  TStringCore(const TStringCore& other) noexcept;
+  /// Takes the block and leaves `other` empty; an inline `other` keeps its text.
+  TStringCore(TStringCore&& other) noexcept;
+  ~TStringCore();
+
+  /// Shares the block of `other`; inline text is copied, into the block of this string where it holds one alone.
+  TStringCore& operator=(const TStringCore& other);
+  /// As the copy assignment, but takes a block and leaves `other` empty; an inline `other` keeps its text.
+  TStringCore& operator=(TStringCore&& other);
+  /// One unit. Templates, so that `text = {}` means the empty text.
+  template <std::same_as<TCodeUnit> U>
+  TStringCore& operator=(U c);
+  template <ForeignUnit U>
+  TStringCore& operator=(U c) {
+    return *this = TStringCore(TForeignText(c));
+  }
+  void assign(const TStringCore& other) { *this = other; }
+  /// `n` copies of `c`; a negative `n` changes nothing.
+  void assign(TCodeUnit c, int n);
+  void assign(char c, int n) { assign(static_cast<TCodeUnit>(static_cast<unsigned char>(c)), n); }
+  /// Keeps a held block. Where `s` is the first unit of this text, a negative `len` changes nothing and another cuts.
+  void assign(const TCodeUnit* s, int len = -1) { _assignHandleSelf(s, len); }
+  TStringCore& set(const TCodeUnit* s, int len = -1);
+  /// By way of three copy assignments.
+  void swap(TStringCore& other);
+  using TForeignForms::assign;
+  using TForeignForms::fromUtf16;
+  using TForeignForms::fromWChar;
+  using TForeignForms::set;
+  friend void swap(TStringCore& a, TStringCore& b) { a.swap(b); }
+
+  static TStringCore fromUtf8(const char* s, int len = -1) { return TStringCore(s, len); }
+  static TStringCore fromStdString(const std::string& s) { return fromUtf8(s.data(), static_cast<int>(s.size())); }
+  static TStringCore fromUtf16(const TCodeUnit* s, int len = -1) { return TStringCore(s, len); }
+  static TStringCore fromWChar(const TCodeUnit* s, int len = -1) { return TStringCore(s, len); }
+  static TStringCore fromStdWString(const std::wstring& s) { return {s.data(), static_cast<int>(s.size())}; }
+  static TStringCore fromStdUString(const std::wstring& s) { return fromStdWString(s); }
+  static TStringCore fromStdU16String(const std::u16string& s) { return {s.data(), static_cast<int>(s.size())}; }
+  /// Values above U+10FFFF become U+FFFD; surrogate values pass as they are.
+  static TStringCore fromUtf32(const char32_t* s, int len = -1);
+  /// Each byte becomes one unit; NUL bytes inside a given length are kept.
+  static TStringCore fromLatin1(const char* s, int len = -1);
+  /// Ends at the first NUL byte, whatever the length.
+  static TStringCore fromLatin9(const char* s, int len = -1);
+  /// Decodes by the default converter of ICU; a converter failure ends the text.
+  static TStringCore fromLocal8Bit(const char* s, int len = -1);
+
+  // ---- Size and access
+
+  using TForeignForms::length;
+  using TForeignForms::lengthInBytes;
+  int length() const noexcept;
+  size_type size() const noexcept { return static_cast<size_type>(length()); }
+  int lengthInBytes() const noexcept;
+  /// The units before the NUL of `s`: 0 for null. 0x7FFFFFF8 of them or more raise CapacityException.
+  static int length(const TCodeUnit* s);
+  static int lengthInBytes(const TCodeUnit* s);
+  bool empty() const noexcept { return length() == 0; }
+  bool isEmpty() const noexcept { return length() == 0; }
+  /// The units of the storage, the terminator's slot included: 15 while inline.
+  int capacity() const noexcept;
+  /// True while another string holds the same block.
+  bool isShared() const noexcept;
+  /// Makes room for `n` units; never lowers the capacity and leaves a held block exclusive. Negative `n` raises.
+  void reserve(int n) { reserveWithMode(n, GrowAtLeast); }
+  /// Sets the length, 0 for a negative `n`. New units are not initialised.
+  void resize(int n) { resizeForWrite(n < 0 ? 0 : n); }
+  /// Shrinks the storage to the text.
+  void squeeze();
+  /// Gives up any block and becomes empty and inline.
+  void clear() noexcept;
+
+  /// The const forms never detach; the others first make a shared block exclusive.
+  const TCodeUnit* data() const noexcept;
+  const TCodeUnit* constData() const noexcept { return data(); }
+  operator const TCodeUnit*() const noexcept { return data(); }
+  const TCodeUnit* begin() const noexcept { return data(); }
+  const TCodeUnit* cbegin() const noexcept { return data(); }
+  const TCodeUnit* end() const noexcept { return data() + length(); }
+  const TCodeUnit* cend() const noexcept { return data() + length(); }
+  const TCodeUnit* front() const noexcept { return data(); }
+  /// The last unit; not tested for emptiness.
+  const TCodeUnit& back() const noexcept { return data()[length() - 1]; }
+  TCodeUnit* data();
+  TCodeUnit* begin() { return data(); }
+  TCodeUnit* end() { return data() + length(); }
+  TCodeUnit& front() { return *data(); }
+  TCodeUnit& back() { return data()[length() - 1]; }
+  auto rbegin() const noexcept { return std::reverse_iterator<const TCodeUnit*>(end()); }
+  auto rend() const noexcept { return std::reverse_iterator<const TCodeUnit*>(begin()); }
+  auto crbegin() const noexcept { return rbegin(); }
+  auto crend() const noexcept { return rend(); }
+  auto rbegin() { return std::reverse_iterator<TCodeUnit*>(end()); }
+  auto rend() { return std::reverse_iterator<TCodeUnit*>(begin()); }
+  /// Element access takes 0 to length() inclusive, so the terminator too; any other index raises.
+  TCodeUnit at(int i) const;
+  TCodeUnit operator[](int i) const;
+  TCodeUnit operator[](size_type i) const;
+  TCodeUnit& operator[](int i);
+  TCodeUnit& operator[](size_type i);
+  /// Any other integer type goes by the form above that holds its values.
+  template <std::integral I>
+  TCodeUnit operator[](I i) const;
+  template <std::integral I>
+  TCodeUnit& operator[](I i);
+
+  // ---- Code points and conversion to other encodings
+
+  using TForeignForms::toWCharArray;
+  CodePointIterator codepoint_cbegin() const;
+  CodePointIterator codepoint_cend() const;
+  /// The iterator at a unit index, negative counting from the end; -1 and the length give the end. Raises
+  /// std::runtime_error outside the text and inside a code point.
+  CodePointIterator createFromIndex(int codeUnitIndex, int codePointIndex = -1) const;
+  /// UTF-8.
+  std::string toStdString() const;
+  std::u16string toStdU16String() const;
+  std::wstring toStdUString() const;
+  std::wstring toStdWString() const;
+  /// Units that the encoding lacks become "?" and set `*lossy`.
+  std::string toLatin1(bool* lossy = nullptr) const;
+  std::string toLatin9(bool* lossy = nullptr) const;
+  /// By the default converter of ICU; `*lossy` is always false.
+  std::string toLocal8Bit(bool* lossy = nullptr) const;
+  /// Copies the text and a NUL: the elements written, or -1 where they do not fit. Lone surrogates become U+FFFD.
+  int toWCharArray(TCodeUnit* target, int capacity) const;
+  std::vector<wchar_t> toWCharVector() const;
+  /// Code points in `units` units from `start`, negative for the rest.
+  int subStringSizeInCodePoints(int start, int units) const;
+  int subStringSizeInCodeUnits(int start, int codePoints) const;
+
+  // ---- Comparison: -1, 0 or 1 by unsigned unit value; ends at the first NUL. Operators: TStringCoreOperators.h.
+
+  using TForeignForms::compare;
+  using TForeignForms::compareN;
+  int compare(const TStringCore& other, CaseSensitivity cs = CaseSensitive) const;
+  int compare(const TCodeUnit* other, CaseSensitivity cs = CaseSensitive) const;
+  static int compare(const TCodeUnit* a, const TCodeUnit* b, CaseSensitivity cs = CaseSensitive);
+  /// At most `n` units, all where `n` is negative.
+  static int compareN(const TCodeUnit* a, const TCodeUnit* b, int n, CaseSensitivity cs = CaseSensitive);
+
+  bool operator==(const TStringCore& other) const;
+  bool operator!=(const TStringCore& other) const;
+  bool operator<(const TStringCore& other) const;
+  bool operator<=(const TStringCore& other) const;
+  bool operator>(const TStringCore& other) const;
+  bool operator>=(const TStringCore& other) const;
+  bool operator==(const TCodeUnit* other) const;
+  bool operator!=(const TCodeUnit* other) const;
+  bool operator<(const TCodeUnit* other) const;
+  bool operator<=(const TCodeUnit* other) const;
+  bool operator>(const TCodeUnit* other) const;
+  bool operator>=(const TCodeUnit* other) const;
+  /// Against one unit: only the first unit counts, and the mirrored forms are deliberately not mirror images.
+  bool operator==(TCodeUnit c) const;
+  bool operator!=(TCodeUnit c) const;
+  bool operator<(TCodeUnit c) const;
+  bool operator<=(TCodeUnit c) const;
+  bool operator>(TCodeUnit c) const;
+  bool operator>=(TCodeUnit c) const;
+
+  // ---- Search: a unit index, or -1. A negative `start` has the length added.
+
+  using TForeignForms::contains;
+  using TForeignForms::count;
+  using TForeignForms::endsWith;
+  using TForeignForms::find;
+  using TForeignForms::findChar;
+  using TForeignForms::findLast;
+  using TForeignForms::findOneNotOf;
+  using TForeignForms::findOneOf;
+  using TForeignForms::findStr;
+  using TForeignForms::indexOf;
+  using TForeignForms::lastIndexOf;
+  using TForeignForms::startsWith;
+  static int findStr(const TCodeUnit* hay, int hayLen, const TCodeUnit* needle, int needleLen, int start,
+                     CaseSensitivity cs = CaseSensitive);
+  static int findStr(const TCodeUnit* hay, int hayLen, const TCodeUnit* needle, int start = 0,
+                     CaseSensitivity cs = CaseSensitive);
+  static int findStr(const TCodeUnit* hay, const TCodeUnit* needle, int start = 0, CaseSensitivity cs = CaseSensitive);
+
+  /// The needle ends at its first NUL.
+  int indexOf(const TStringCore& needle, int start = 0, CaseSensitivity cs = CaseSensitive) const;
+  int indexOf(const TCodeUnit* needle, int start = 0, CaseSensitivity cs = CaseSensitive) const;
+  int indexOf(TCodeUnit c, int start = 0) const;
+  static int indexOf(const TCodeUnit* s, int len, TCodeUnit c, int start = 0);
+
+  bool contains(const TStringCore& needle, CaseSensitivity cs = CaseSensitive) const;
+  /// This text too ends at its first NUL.
+  template <std::same_as<wchar_t> W>
+  bool contains(const W* needle, CaseSensitivity cs = CaseSensitive) const;
+  /// Always case-sensitive, whatever `cs` says; no other overload ignores it.
+  template <std::same_as<char16_t> W>
+  bool contains(const W* needle, CaseSensitivity cs = CaseSensitive) const;
+  bool contains(std::nullptr_t, CaseSensitivity cs = CaseSensitive) const;
+  bool contains(TCodeUnit c) const;
+
+  int count(TCodeUnit c) const;
+  /// Matches may overlap.
+  int count(const TCodeUnit* needle, CaseSensitivity cs = CaseSensitive) const;
+  int count(const TStringCore& needle, CaseSensitivity cs = CaseSensitive) const;
+
+  /// False for an empty needle.
+  bool startsWith(const TStringCore& needle, CaseSensitivity cs = CaseSensitive) const;
+  bool startsWith(const TCodeUnit* needle, CaseSensitivity cs = CaseSensitive) const;
+  bool startsWith(TCodeUnit c) const;
+  bool endsWith(const TStringCore& needle, CaseSensitivity cs = CaseSensitive) const;
+  bool endsWith(const TCodeUnit* needle, CaseSensitivity cs = CaseSensitive) const;
+  bool endsWith(TCodeUnit c) const;
+
+  /// Backward from `from`, -1 meaning the length; folds whole code points.
+  int lastIndexOf(const TStringCore& needle, int from = -1, CaseSensitivity cs = CaseSensitive) const;
+  int lastIndexOf(const TCodeUnit* needle, int from = -1, CaseSensitivity cs = CaseSensitive) const;
+  /// The start is not clipped: a `from` above the length is not allowed.
+  int lastIndexOf(TCodeUnit c, int from = -1) const;
+
+  /// Searches that give the end iterator where nothing is found.
+  CodePointIterator find(const TCodeUnit* needle, CaseSensitivity cs = CaseSensitive) const;
+  CodePointIterator find(const TCodeUnit* needle, const CodePointIterator& from,
+                         CaseSensitivity cs = CaseSensitive) const;
+  CodePointIterator find(TCodeUnit c) const;
+  CodePointIterator find(TCodeUnit c, const CodePointIterator& from) const;
+  CodePointIterator findLast(const TStringCore& needle, CaseSensitivity cs = CaseSensitive) const;
+  CodePointIterator findLast(const TStringCore& needle, const CodePointIterator& from,
+                             CaseSensitivity cs = CaseSensitive) const;
+  CodePointIterator findLast(TCodeUnit c) const;
+  CodePointIterator findLast(TCodeUnit c, const CodePointIterator& from) const;
+
+  /// The first code point of a set; a set of ASCII units never matches another unit.
+  CodePointIterator findOneOf(const TStringCore& set, CodePointIterator from) const;
+  CodePointIterator findOneOf(const TCodeUnit* set, CodePointIterator from) const;
+  int findOneOf(const TStringCore& set, int start = 0) const;
+  int findOneOf(const TCodeUnit* set, int start = 0) const;
+  static int findOneOf(const TCodeUnit* text, const TCodeUnit* set, int start = 0);
+  static int findChar(const TCodeUnit* text, TCodeUnit c, int start = 0);
+  int findOneNotOf(const TStringCore& set, int start = 0) const;
+  int findOneNotOf(const TCodeUnit* set, int start = 0) const;
+  int findOneNotOf(TCodeUnit c, int start = 0) const;
+  /// Indices from the start of `text`, which ends at its NUL.
+  static int findOneNotOf(const TCodeUnit* text, const TCodeUnit* set, int start = 0);
+  /// The length of the run of `c` that the text begins with; a NUL `c` gives 0, or -1 on empty text.
+  static int findOneNotOf(const TCodeUnit* text, TCodeUnit c);
+
+  // ---- Editing. Every operation gives this string unless its result says otherwise.
+
+  using TForeignForms::append;
+  using TForeignForms::dosToUnix;
+  using TForeignForms::fill;
+  using TForeignForms::insert;
+  using TForeignForms::prepend;
+  using TForeignForms::push_back;
+  using TForeignForms::push_front;
+  using TForeignForms::removeAll;
+  using TForeignForms::removeAnyOf;
+  using TForeignForms::replace;
+  using TForeignForms::replaceAnyOf;
+  using TForeignForms::replaceCount;
+  using TForeignForms::trim;
+  using TForeignForms::trimLeft;
+  using TForeignForms::trimRight;
+  using TForeignForms::operator+=;
+  TStringCore& append(const TStringCore& other);
+  TStringCore& append(const TCodeUnit* s, int len = -1);
+  TStringCore& append(TCodeUnit c);
+  /// Zero-extended, not decoded.
+  TStringCore& append(char c) { return append(static_cast<TCodeUnit>(static_cast<unsigned char>(c))); }
+  TStringCore& operator+=(const TStringCore& other) { return append(other); }
+  TStringCore& operator+=(const TCodeUnit* s) { return append(s, -1); }
+  TStringCore& operator+=(TCodeUnit c) { return append(c); }
+  void push_back(const TStringCore& other) { append(other); }
+  void push_back(TCodeUnit c) { append(c); }
+
+  TStringCore& insert(int i, const TStringCore& text) { return insert(i, text.data(), text.length()); }
+  /// Does nothing where it would split a code point. Own text at or behind `i` is read as it stands once shifted.
+  TStringCore& insert(int i, const TCodeUnit* s, int n = -1);
+  /// One unit, also inside a code point.
+  TStringCore& insert(int i, TCodeUnit c);
+  TStringCore& insert(const CodePointIterator& at, const TStringCore& text);
+  TStringCore& insert(const CodePointIterator& at, const TCodeUnit* s, int n = -1);
+  TStringCore& prepend(const TStringCore& text) { return insert(0, text); }
+  TStringCore& prepend(const TCodeUnit* s, int n = -1) { return insert(0, s, n); }
+  TStringCore& prepend(TCodeUnit c) { return insert(0, c); }
+  void push_front(const TStringCore& text) { insert(0, text); }
+  void push_front(TCodeUnit c) { insert(0, c); }
+
+  /// Puts text in place of `n` units from `pos`, which may be 0 units.
+  TStringCore& replace(int pos, int n, const TCodeUnit* s, int len = -1);
+  TStringCore& replace(int pos, int n, const TStringCore& text) { return replace(pos, n, text.data(), text.length()); }
+  /// Each code point of the range becomes one unit `c`.
+  TStringCore& replace(int pos, int n, TCodeUnit c);
+  /// `n` counts units; the end iterator does nothing.
+  TStringCore& replace(const CodePointIterator& at, int n, const TStringCore& text);
+  TStringCore& replace(const CodePointIterator& at, int n, TCodeUnit c);
+  /// Each match, left to right, never overlapping; replaced text is not searched again.
+  TStringCore& replace(TCodeUnit before, TCodeUnit after);
+  TStringCore& replace(TCodeUnit before, const TStringCore& after);
+  TStringCore& replace(const TStringCore& before, const TStringCore& after, CaseSensitivity cs = CaseSensitive);
+  TStringCore& replace(const TCodeUnit* before, int beforeLen, const TCodeUnit* after, int afterLen,
+                       CaseSensitivity cs = CaseSensitive);
+  /// The number of replacements. A negative length here means no text, not NUL-terminated text.
+  int replaceCount(const TCodeUnit* before, int beforeLen, const TCodeUnit* after, int afterLen,
+                   CaseSensitivity cs = CaseSensitive);
+  /// Each code point of `set` from `start` on becomes one unit `c`.
+  TStringCore& replaceAnyOf(const TCodeUnit* set, TCodeUnit c, int start = 0);
+  TStringCore& replaceAnyOf(const TStringCore& set, TCodeUnit c, int start = 0);
+  /// The same in a NUL-terminated buffer of the caller; gives its new length.
+  static int replaceAnyOf(TCodeUnit* text, const TCodeUnit* set, TCodeUnit c, int start = 0);
+
+  /// Units before the start count against `n` where `pos` is negative; an `n` past the end cuts.
+  TStringCore& removeAt(int pos, int n);
+  TStringCore& removeAt(const CodePointIterator& at, int n);
+  /// Drops what follows an embedded NUL once a `c` was found.
+  TStringCore& removeAll(TCodeUnit c);
+  /// Text joined by a removal is found only from the removal point on.
+  TStringCore& removeAll(const TCodeUnit* s, int len = -1, CaseSensitivity cs = CaseSensitive);
+  TStringCore& removeAll(const TStringCore& text, CaseSensitivity cs = CaseSensitive);
+  TStringCore& removeAnyOf(const TCodeUnit* set, int start = 0);
+  TStringCore& removeAnyOf(const TStringCore& set, int start = 0);
+  /// The same in a NUL-terminated buffer of the caller; gives its new length. A set of several units, none a surrogate
+  /// and one at least not ASCII, ends the shortened text with the digit zero in place of NUL.
+  static int removeAnyOf(TCodeUnit* text, const TCodeUnit* set, int start = 0);
+
+  TStringCore& truncate(int n);
+  TStringCore& truncate(const CodePointIterator& at);
+  TStringCore& truncateAtFirstNull();
+  void chop(int n);
+
+  /// White space by TCType.
+  TStringCore& trim();
+  TStringCore& trimLeft();
+  TStringCore& trimRight();
+  TStringCore& trim(TCodeUnit c);
+  TStringCore& trimLeft(TCodeUnit c);
+  TStringCore& trimRight(TCodeUnit c);
+  /// Sign-extended, unlike append(char).
+  TStringCore& trim(char c) { return trim(static_cast<TCodeUnit>(static_cast<signed char>(c))); }
+  TStringCore& trimLeft(char c) { return trimLeft(static_cast<TCodeUnit>(static_cast<signed char>(c))); }
+  TStringCore& trimRight(char c) { return trimRight(static_cast<TCodeUnit>(static_cast<signed char>(c))); }
+  /// The code points of a set.
+  TStringCore& trim(const TCodeUnit* set);
+  TStringCore& trimLeft(const TCodeUnit* set);
+  TStringCore& trimRight(const TCodeUnit* set);
+  TStringCore& trim(const TStringCore& set);
+  TStringCore& trimLeft(const TStringCore& set);
+  TStringCore& trimRight(const TStringCore& set);
+
+  /// `n` units `c`; a negative `n` means the number of code points of the text.
+  TStringCore& fill(TCodeUnit c, int n = -1);
+  /// Keeps surrogate pairs in order.
+  void reverse();
+  TStringCore toLower() const;
+  TStringCore toUpper() const;
+  /// The byte order mark is U+FEFF.
+  bool hasBOM() const noexcept { return data()[0] == 0xFEFF; }
+  TStringCore& prependBOM();
+  TStringCore& removeBOM();
+  TStringCore& dosToUnix();
+  /// In a NUL-terminated buffer of the caller; gives its new length.
+  static int dosToUnix(TCodeUnit* text);
+  TStringCore& unixToDos();
+  /// CR LF on every platform.
+  TStringCore& toNativeLineEndings() { return unixToDos(); }
+
+  // ---- Substrings and splitting: new strings. A result that equals the whole text shares its block.
+
+  using TForeignForms::join;
+  using TForeignForms::leftJustified;
+  using TForeignForms::rightJustified;
+  using TForeignForms::section;
+  using TForeignForms::spanExcluding;
+  using TForeignForms::spanIncluding;
+  using TForeignForms::split;
+  using TForeignForms::splitOnAny;
+  using TForeignForms::tokenize;
+  TStringCore left(int n) const;
+  TStringCore right(int n) const;
+  /// A negative `n` runs to the first NUL.
+  TStringCore mid(int pos, int n = -1) const;
+  TStringCore mid(CodePointIterator from, CodePointIterator to) const;
+  TStringCore mid(CodePointIterator from, int codePoints = -1) const;
+  TStringCore leftJustified(int width, TCodeUnit fill = u' ', bool truncate = false) const;
+  TStringCore rightJustified(int width, TCodeUnit fill = u' ', bool truncate = false) const;
+  TStringCore repeated(int n) const;
+  TStringCore reversed() const;
+  TStringCore trimmed() const;
+  TStringCore spanIncluding(const TCodeUnit* set) const;
+  TStringCore spanExcluding(const TCodeUnit* set) const;
+
+  /// The fields between separators; none at all for an empty separator.
+  std::vector<TStringCore> split(const TStringCore& sep, SplitBehavior behavior = KeepEmptyTokens,
+                                 CaseSensitivity cs = CaseSensitive) const;
+  std::vector<TStringCore> split(const TCodeUnit* sep, SplitBehavior behavior = KeepEmptyTokens,
+                                 CaseSensitivity cs = CaseSensitive) const;
+  std::vector<TStringCore> split(TCodeUnit sep, SplitBehavior behavior = KeepEmptyTokens) const;
+  /// `len` is the real length here, not measured.
+  static std::vector<TStringCore> split(const TCodeUnit* text, int len, const TCodeUnit* sep,
+                                        SplitBehavior behavior = KeepEmptyTokens, CaseSensitivity cs = CaseSensitive);
+  static std::vector<TStringCore> split(const TCodeUnit* text, int len, TCodeUnit sep,
+                                        SplitBehavior behavior = KeepEmptyTokens);
+  std::vector<TStringCore> splitOnAny(const TStringCore& set, SplitBehavior behavior = KeepEmptyTokens) const;
+  std::vector<TStringCore> splitOnAny(const TCodeUnit* set, SplitBehavior behavior = KeepEmptyTokens) const;
+  /// The next field from `pos`, which moves on and becomes -1 with the last one.
+  TStringCore tokenize(const TStringCore& set, int& pos, SplitBehavior behavior = KeepEmptyTokens) const;
+  TStringCore tokenize(const TCodeUnit* set, int& pos, SplitBehavior behavior = KeepEmptyTokens) const;
+  /// Fields `first` to `last`, negative counting from the last field.
+  TStringCore section(const TCodeUnit* sep, int first, int last = -1, SectionFlags flags = SectionDefault) const;
+  TStringCore section(TCodeUnit sep, int first, int last = -1, SectionFlags flags = SectionDefault) const;
+  static TStringCore section(const TCodeUnit* text, int len, const TCodeUnit* sep, int first, int last = -1,
+                             SectionFlags flags = SectionDefault);
+  static TStringCore join(const std::vector<TStringCore>& list, const TStringCore& sep);
+  static TStringCore join(const std::vector<TStringCore>& list, TCodeUnit sep);
+
+  // ---- Numbers. Bases 2 to 36, and 64 for number() alone; any other base raises.
+
+  using TForeignForms::leftDoubleLength;
+  using TForeignForms::leftIntegerLength;
+  using TForeignForms::number;
+  static TStringCore number(short value, int base = 10, int width = 0, TCodeUnit fill = u' ');
+  static TStringCore number(int value, int base = 10, int width = 0, TCodeUnit fill = u' ');
+  static TStringCore number(long value, int base = 10, int width = 0, TCodeUnit fill = u' ');
+  static TStringCore number(long long value, int base = 10, int width = 0, TCodeUnit fill = u' ');
+  static TStringCore number(unsigned short value, int base = 10, int width = 0, TCodeUnit fill = u' ');
+  static TStringCore number(unsigned int value, int base = 10, int width = 0, TCodeUnit fill = u' ');
+  static TStringCore number(unsigned long value, int base = 10, int width = 0, TCodeUnit fill = u' ');
+  static TStringCore number(unsigned long long value, int base = 10, int width = 0, TCodeUnit fill = u' ');
+  /// `format` is one of e, f, g and their capitals; `decimalForm` drops trailing zeros but keeps a decimal point.
+  static TStringCore number(double value, char format = 'g', int precision = 6, bool decimalForm = false);
+  template <std::integral N>
+  TStringCore& setNum(N value, int base = 10) {
+    return *this = number(value, base);
+  }
+  TStringCore& setNum(double value, char format = 'g', int precision = 6, bool decimalForm = false) {
+    return *this = number(value, format, precision, decimalForm);
+  }
+  static TStringCore pointer(const void* p, bool prefix = true, bool fullWidth = true);
+  /// `*ok` tells whether the whole text was a number in range; `errno` is 34 on overflow, 22 without digits.
+  short toShort(bool* ok = nullptr, int base = 10) const;
+  unsigned short toUShort(bool* ok = nullptr, int base = 10) const;
+  int toInt(bool* ok = nullptr, int base = 10) const;
+  unsigned int toUInt(bool* ok = nullptr, int base = 10) const;
+  /// 64 bits on every platform.
+  long long toLong(bool* ok = nullptr, int base = 10) const;
+  unsigned long long toULong(bool* ok = nullptr, int base = 10) const;
+  long long toLongLong(bool* ok = nullptr, int base = 10) const;
+  unsigned long long toULongLong(bool* ok = nullptr, int base = 10) const;
+  double toDouble(bool* ok = nullptr) const;
+  float toFloat(bool* ok = nullptr) const;
+  /// The number of leading units that form a number.
+  int leftIntegerLength(int base = 10) const;
+  static int leftIntegerLength(const TCodeUnit* text, int len, int base = 10);
+  int leftDoubleLength() const;
+  static int leftDoubleLength(const TCodeUnit* text, int len = -1);
+
+ private:
+  friend class TForeignForms<TStringCore>;
+  friend struct TStringCoreForTest;
+
+  /// One allocation of TRealloc: this header, and `capacity` units directly behind it.
+  struct StringBlock {
+    std::int32_t refCount;  // Strings that point here. Written only by atomic operations of full ordering.
+    std::int32_t capacity;  // Units there is room for, the terminator's slot included.
+    std::int32_t length;
+    TCodeUnit* units() noexcept { return reinterpret_cast<TCodeUnit*>(this + 1); }
+    const TCodeUnit* units() const noexcept { return reinterpret_cast<const TCodeUnit*>(this + 1); }
+  };
+
+  /// A field of split(), in units.
+  struct FieldSpan {
+    int offset;
+    int length;
+  };
+
+  static constexpr int InlineCapacity = 15;
+  static constexpr int MaxInlineLength = 14;
+
+  /// Sixteen words, copied as a whole. The pointer to the block overlays the start of `inlineUnits`.
+  struct Words {
+    alignas(void*) TCodeUnit inlineUnits[InlineCapacity];
+    std::int16_t storageState;  // 0 to 14: inline, and this is the length. Negative: in a block.
+  };
+
+  bool isInline() const noexcept { return m_words.storageState >= 0; }
+  StringBlock* blockPointer() const noexcept;
+  void setBlockPointer(StringBlock* block) noexcept;
+  static int references(const StringBlock* block) noexcept;
+  static void retainBlock(StringBlock* block) noexcept;
+  static void releaseBlock(StringBlock* block) noexcept;
+  void setInline(const TCodeUnit* s, int n) noexcept;
+  void setInlineLength(int n) noexcept;
+
+  static StringBlock* allocateBlock(int capacity, StringBlock* existing);
+  static void setBlockLength(StringBlock* block, int n);
+  int nextCapacity(int n, GrowthMode mode) const;
+  void unshareInto(int capacity);
+  void detach();
+  void promoteToBlock(int capacity);
+  void reallocateBlock(int capacity);
+  TCodeUnit* resizeForWrite(int n);
+  void reserveWithMode(int n, GrowthMode mode);
+  bool inSelf(const TCodeUnit* p) const noexcept;
+  void _assignHandleSelf(const TCodeUnit* s, int len);
+  void appendHandleSelf(const TCodeUnit* s, int len);
+  void appendFromSelf(int start, int count);
+  TStringCore& appendUtf8(const char* s, int len);
+  void assignUtf8(const char* s, int len);
+  int getInsertCodeUnitIndex(const CodePointIterator& at) const;
+  int toForeignArray(TForeignUnit* target, int capacity) const;
+  bool containsInTerminated(const TCodeUnit* needle, CaseSensitivity cs) const;
+  bool containsExactly(const TCodeUnit* needle) const;
+  static std::vector<FieldSpan> findSpans(const TCodeUnit* text, int len, const TCodeUnit* sep, bool dropEmpty,
+                                          CaseSensitivity cs);
+
+  void constructSlow(const TCodeUnit* s, int len);
+  void assignSlow(const TStringCore& other);
+  void detachSlow();
+  void clearSlow() noexcept;
+  TStringCore& appendUnitSlow(TCodeUnit c);
+  static void freeBlock(StringBlock* block) noexcept;
+
+  Words m_words;
+};
+
+#include "qilsys/TStringCoreInline.h"
+
+// These build on the whole class.
+#include "qilsys/TCodePointIterator.h"
+#include "qilsys/TStringCoreOperators.h"
+#include "qilsys/TStringException.h"

@@ -1,0 +1,89 @@
+/// The free operators of TStringCore: raw text or one unit on the left, foreign operands on either side, and `+`.
+///
+/// Every pairing is declared by itself, so none is ever made by exchanging the operands of another: with one unit the
+/// two directions differ on purpose.
+#pragma once
+
+#include "qilsys/TStringCore.h"
+
+// ---- Raw text on the left
+
+inline bool operator==(const TCodeUnit* a, const TStringCore& b) { return b == a; }
+inline bool operator!=(const TCodeUnit* a, const TStringCore& b) { return b != a; }
+inline bool operator<(const TCodeUnit* a, const TStringCore& b) { return b > a; }
+inline bool operator<=(const TCodeUnit* a, const TStringCore& b) { return b >= a; }
+inline bool operator>(const TCodeUnit* a, const TStringCore& b) { return b < a; }
+inline bool operator>=(const TCodeUnit* a, const TStringCore& b) { return b <= a; }
+
+// ---- One unit on the left
+
+inline bool operator==(TCodeUnit c, const TStringCore& s) { return s == c; }
+inline bool operator!=(TCodeUnit c, const TStringCore& s) { return s != c; }
+inline bool operator<(TCodeUnit c, const TStringCore& s) { return !(s < c); }
+inline bool operator<=(TCodeUnit c, const TStringCore& s) { return !(s < c) && !(s == c); }
+inline bool operator>(TCodeUnit c, const TStringCore& s) { return s < c || s == c; }
+inline bool operator>=(TCodeUnit c, const TStringCore& s) { return s < c; }
+
+// ---- Foreign text and units, on either side
+
+#define QILSYS_FOREIGN_COMPARISON(op)                                     \
+  template <ForeignUnit U>                                                \
+  bool operator op(const TStringCore& a, const U* b) {                    \
+    return a op TForeignText(b).data();                                   \
+  }                                                                       \
+  template <ForeignUnit U>                                                \
+  bool operator op(const U* a, const TStringCore& b) {                    \
+    return TForeignText(a).data() op b;                                   \
+  }                                                                       \
+  template <ForeignUnit U>                                                \
+  bool operator op(const TStringCore& s, U c) {                           \
+    return VisitForeign(c, [&](auto text) -> bool { return s op text; }); \
+  }                                                                       \
+  template <ForeignUnit U>                                                \
+  bool operator op(U c, const TStringCore& s) {                           \
+    return VisitForeign(c, [&](auto text) -> bool { return text op s; }); \
+  }
+
+QILSYS_FOREIGN_COMPARISON(==)
+QILSYS_FOREIGN_COMPARISON(!=)
+QILSYS_FOREIGN_COMPARISON(<)
+QILSYS_FOREIGN_COMPARISON(<=)
+QILSYS_FOREIGN_COMPARISON(>)
+QILSYS_FOREIGN_COMPARISON(>=)
+
+#undef QILSYS_FOREIGN_COMPARISON
+
+// ---- Concatenation: a temporary of the left operand, then append
+
+inline TStringCore operator+(TStringCore a, const TStringCore& b) {
+  a.append(b);
+  return a;
+}
+inline TStringCore operator+(TStringCore a, const TCodeUnit* b) {
+  a.append(b, -1);
+  return a;
+}
+inline TStringCore operator+(TStringCore a, TCodeUnit c) {
+  a.append(c);
+  return a;
+}
+inline TStringCore operator+(const TCodeUnit* a, const TStringCore& b) { return TStringCore(a) + b; }
+inline TStringCore operator+(TCodeUnit c, const TStringCore& b) { return TStringCore(c, 1) + b; }
+template <ForeignUnit U>
+TStringCore operator+(TStringCore a, const U* b) {
+  a.append(b, -1);
+  return a;
+}
+template <ForeignUnit U>
+TStringCore operator+(TStringCore a, U c) {
+  a.append(c);
+  return a;
+}
+template <ForeignUnit U>
+TStringCore operator+(const U* a, const TStringCore& b) {
+  return TStringCore(a) + b;
+}
+template <ForeignUnit U>
+TStringCore operator+(U c, const TStringCore& b) {
+  return TStringCore(TForeignText(c)) + b;
+}
