@@ -28,7 +28,3 @@ static_assert(sizeof(TCodeUnit) == 2);
 /// keeps a literal `nullptr` unambiguous: it can only mean the TCodeUnit form.
 template <class T>
 concept ForeignUnit = std::same_as<T, TForeignUnit>;
-
-/// True for `char` alone: a template on it takes UTF-8 text beside a TCodeUnit form, `nullptr` staying unambiguous.
-template <class T>
-concept NarrowUnit = std::same_as<T, char>;

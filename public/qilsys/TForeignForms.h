@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "qilsys/TCodeUnit.h"
-#include "qilsys/TForeignSource.h"
 #include "qilsys/TForeignText.h"
 #include "qilsys/TStringOptions.h"
 
@@ -24,7 +23,7 @@ template <class S>
 class TForeignForms : public TStringOptions {
   using Iterator = TConstCodePointIterator<S>;
   using List = std::vector<S>;
-  using Source = TForeignSource;
+  using Source = TForeignText;
 
   S& self() noexcept { return static_cast<S&>(*this); }
   const S& self() const noexcept { return static_cast<const S&>(*this); }
@@ -34,7 +33,7 @@ class TForeignForms : public TStringOptions {
 
   template <ForeignUnit U>
   void assign(U c, int n) {
-    VisitForeign(c, [&](auto unit) { assignRepeated(unit, n); });
+    TForeignText(c).Visit([&](auto unit) { assignRepeated(unit, n); });
   }
   template <ForeignUnit U>
   void assign(const U* s, int len = -1) {
@@ -112,7 +111,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   int indexOf(U c, int start = 0) const {
-    return VisitForeign(c, [&](auto sought) { return self().indexOf(sought, start); });
+    return TForeignText(c).Visit([&](auto sought) { return self().indexOf(sought, start); });
   }
   template <ForeignUnit U>
   static int indexOf(const U* s, int len, U c, int start = 0) {
@@ -122,11 +121,11 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   bool contains(U c) const {
-    return VisitForeign(c, [&](auto sought) { return containsWhole(sought); });
+    return TForeignText(c).Visit([&](auto sought) { return containsWhole(sought); });
   }
   template <ForeignUnit U>
   int count(U c) const {
-    return VisitForeign(c, [&](auto sought) { return self().count(sought); });
+    return TForeignText(c).Visit([&](auto sought) { return self().count(sought); });
   }
   template <ForeignUnit U>
   int count(const U* needle, CaseSensitivity cs = CaseSensitive) const {
@@ -138,7 +137,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   bool startsWith(U c) const {
-    return VisitForeign(c, [&](auto sought) { return self().startsWith(sought); });
+    return TForeignText(c).Visit([&](auto sought) { return self().startsWith(sought); });
   }
   template <ForeignUnit U>
   bool endsWith(const U* needle, CaseSensitivity cs = CaseSensitive) const {
@@ -146,7 +145,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   bool endsWith(U c) const {
-    return VisitForeign(c, [&](auto sought) { return self().endsWith(sought); });
+    return TForeignText(c).Visit([&](auto sought) { return self().endsWith(sought); });
   }
   template <ForeignUnit U>
   int lastIndexOf(const U* needle, int from = -1, CaseSensitivity cs = CaseSensitive) const {
@@ -154,7 +153,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   int lastIndexOf(U c, int from = -1) const {
-    return VisitForeign(c, [&](auto sought) { return self().lastIndexOf(sought, from); });
+    return TForeignText(c).Visit([&](auto sought) { return self().lastIndexOf(sought, from); });
   }
   template <ForeignUnit U>
   Iterator find(const U* needle, CaseSensitivity cs = CaseSensitive) const {
@@ -166,19 +165,19 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   Iterator find(U c) const {
-    return VisitForeign(c, [&](auto sought) { return self().find(sought); });
+    return TForeignText(c).Visit([&](auto sought) { return self().find(sought); });
   }
   template <ForeignUnit U>
   Iterator find(U c, const Iterator& from) const {
-    return VisitForeign(c, [&](auto sought) { return self().find(sought, from); });
+    return TForeignText(c).Visit([&](auto sought) { return self().find(sought, from); });
   }
   template <ForeignUnit U>
   Iterator findLast(U c) const {
-    return VisitForeign(c, [&](auto sought) { return self().findLast(sought); });
+    return TForeignText(c).Visit([&](auto sought) { return self().findLast(sought); });
   }
   template <ForeignUnit U>
   Iterator findLast(U c, const Iterator& from) const {
-    return VisitForeign(c, [&](auto sought) { return self().findLast(sought, from); });
+    return TForeignText(c).Visit([&](auto sought) { return self().findLast(sought, from); });
   }
   template <ForeignUnit U>
   Iterator findOneOf(const U* set, Iterator from) const {
@@ -204,7 +203,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   int findOneNotOf(U c, int start = 0) const {
-    return VisitForeign(c, [&](auto set) { return self().findOneNotOf(set, start); });
+    return TForeignText(c).Visit([&](auto set) { return self().findOneNotOf(set, start); });
   }
   template <ForeignUnit U>
   static int findOneNotOf(const U* text, const U* set, int start = 0) {
@@ -214,7 +213,7 @@ class TForeignForms : public TStringOptions {
   template <ForeignUnit U>
   static int findOneNotOf(const U* text, U c) {
     const Source hay(text);
-    return VisitForeign(c, [&](auto set) { return hay.ElementIndex(S::findOneNotOf(hay.data(), set)); });
+    return TForeignText(c).Visit([&](auto set) { return hay.ElementIndex(S::findOneNotOf(hay.data(), set)); });
   }
 
   // ---- Editing
@@ -231,7 +230,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   S& append(U c) {
-    return VisitForeign(c, [&](auto text) -> S& { return self().append(text); });
+    return TForeignText(c).Visit([&](auto text) -> S& { return self().append(text); });
   }
   template <ForeignUnit U>
   S& operator+=(const U* s) {
@@ -252,7 +251,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   S& insert(int i, U c) {
-    return VisitForeign(c, [&](auto text) -> S& { return self().insert(i, text); });
+    return TForeignText(c).Visit([&](auto text) -> S& { return self().insert(i, text); });
   }
   template <ForeignUnit U>
   S& insert(const Iterator& at, const U* s, int n = -1) {
@@ -278,11 +277,11 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   S& replace(int pos, int n, U c) {
-    return VisitForeign(c, [&](auto text) -> S& { return self().replace(pos, n, text); });
+    return TForeignText(c).Visit([&](auto text) -> S& { return self().replace(pos, n, text); });
   }
   template <ForeignUnit U>
   S& replace(const Iterator& at, int n, U c) {
-    return VisitForeign(c, [&](auto text) -> S& { return self().replace(at, n, text); });
+    return TForeignText(c).Visit([&](auto text) -> S& { return self().replace(at, n, text); });
   }
   template <ForeignUnit U>
   S& replace(U before, U after) {
@@ -322,7 +321,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   S& removeAll(U c) {
-    return VisitForeign(c, [&](auto text) -> S& { return self().removeAll(text); });
+    return TForeignText(c).Visit([&](auto text) -> S& { return self().removeAll(text); });
   }
   template <ForeignUnit U>
   S& removeAll(const U* s, int len = -1, CaseSensitivity cs = CaseSensitive) {
@@ -340,15 +339,15 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   S& trim(U c) {
-    return VisitForeign(c, [&](auto set) -> S& { return self().trim(set); });
+    return TForeignText(c).Visit([&](auto set) -> S& { return self().trim(set); });
   }
   template <ForeignUnit U>
   S& trimLeft(U c) {
-    return VisitForeign(c, [&](auto set) -> S& { return self().trimLeft(set); });
+    return TForeignText(c).Visit([&](auto set) -> S& { return self().trimLeft(set); });
   }
   template <ForeignUnit U>
   S& trimRight(U c) {
-    return VisitForeign(c, [&](auto set) -> S& { return self().trimRight(set); });
+    return TForeignText(c).Visit([&](auto set) -> S& { return self().trimRight(set); });
   }
   template <ForeignUnit U>
   S& trim(const U* set) {
@@ -396,7 +395,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   List split(U sep, SplitBehavior behavior = KeepEmptyTokens) const {
-    return VisitForeign(sep, [&](auto text) { return self().split(text, behavior); });
+    return TForeignText(sep).Visit([&](auto text) { return self().split(text, behavior); });
   }
   template <ForeignUnit U>
   static List split(const U* text, int len, const U* sep, SplitBehavior behavior = KeepEmptyTokens,
@@ -407,7 +406,7 @@ class TForeignForms : public TStringOptions {
   template <ForeignUnit U>
   static List split(const U* text, int len, U sep, SplitBehavior behavior = KeepEmptyTokens) {
     const Source whole(text, len);
-    return VisitForeign(sep, [&](auto unit) { return S::split(whole.data(), whole.length(), unit, behavior); });
+    return TForeignText(sep).Visit([&](auto unit) { return S::split(whole.data(), whole.length(), unit, behavior); });
   }
   template <ForeignUnit U>
   List splitOnAny(const U* set, SplitBehavior behavior = KeepEmptyTokens) const {
@@ -423,7 +422,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   S section(U sep, int first, int last = -1, SectionFlags flags = SectionDefault) const {
-    return VisitForeign(sep, [&](auto text) { return self().section(text, first, last, flags); });
+    return TForeignText(sep).Visit([&](auto text) { return self().section(text, first, last, flags); });
   }
   template <ForeignUnit U>
   static S section(const U* text, int len, const U* sep, int first, int last = -1,

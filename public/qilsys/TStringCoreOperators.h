@@ -26,22 +26,22 @@ inline bool operator>=(TCodeUnit c, const TStringCore& s) { return s < c; }
 
 // ---- Foreign text and units, on either side
 
-#define QILSYS_FOREIGN_COMPARISON(op)                                     \
-  template <ForeignUnit U>                                                \
-  bool operator op(const TStringCore& a, const U* b) {                    \
-    return a op TForeignText(b).data();                                   \
-  }                                                                       \
-  template <ForeignUnit U>                                                \
-  bool operator op(const U* a, const TStringCore& b) {                    \
-    return TForeignText(a).data() op b;                                   \
-  }                                                                       \
-  template <ForeignUnit U>                                                \
-  bool operator op(const TStringCore& s, U c) {                           \
-    return VisitForeign(c, [&](auto text) -> bool { return s op text; }); \
-  }                                                                       \
-  template <ForeignUnit U>                                                \
-  bool operator op(U c, const TStringCore& s) {                           \
-    return VisitForeign(c, [&](auto text) -> bool { return text op s; }); \
+#define QILSYS_FOREIGN_COMPARISON(op)                                           \
+  template <ForeignUnit U>                                                      \
+  bool operator op(const TStringCore& a, const U* b) {                          \
+    return a op TForeignText(b).data();                                         \
+  }                                                                             \
+  template <ForeignUnit U>                                                      \
+  bool operator op(const U* a, const TStringCore& b) {                          \
+    return TForeignText(a).data() op b;                                         \
+  }                                                                             \
+  template <ForeignUnit U>                                                      \
+  bool operator op(const TStringCore& s, U c) {                                 \
+    return TForeignText(c).Visit([&](auto text) -> bool { return s op text; }); \
+  }                                                                             \
+  template <ForeignUnit U>                                                      \
+  bool operator op(U c, const TStringCore& s) {                                 \
+    return TForeignText(c).Visit([&](auto text) -> bool { return text op s; }); \
   }
 
 QILSYS_FOREIGN_COMPARISON(==)
