@@ -116,8 +116,8 @@ class TForeignForms : public TStringOptions {
   template <ForeignUnit U>
   static int indexOf(const U* s, int len, U c, int start = 0) {
     const Source text(s, len);
-    return VisitForeign(c,
-                        [&](auto sought) { return text.ElementIndex(indexIn(text, sought, text.UnitIndex(start))); });
+    return TForeignText(c).Visit(
+        [&](auto sought) { return text.ElementIndex(indexIn(text, sought, text.UnitIndex(start))); });
   }
   template <ForeignUnit U>
   bool contains(U c) const {
