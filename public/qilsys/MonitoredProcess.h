@@ -65,6 +65,10 @@ class QILSYS_API MonitoredProcess {
   static bool IsCpuAtMaxFrequency();
 
  private:
+  friend struct MonitoredProcessForTest;
   struct Impl;
+
+  explicit MonitoredProcess(std::unique_ptr<Impl> impl);
+
   std::unique_ptr<Impl> m_impl;
 };

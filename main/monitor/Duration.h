@@ -1,0 +1,20 @@
+/// Seconds of the settings in finer units. What passes the range is its end: it stands for "never" either way.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <limits>
+
+inline std::int64_t SecondsTimes(std::int64_t seconds, std::int64_t factor) {
+  constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
+  constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
+  if (seconds > highest / factor) return highest;
+  if (seconds < lowest / factor) return lowest;
+  return seconds * factor;
+}
+
+inline std::int64_t NanosecondsOf(std::int64_t seconds) { return SecondsTimes(seconds, 1'000'000'000); }
+
+inline std::chrono::milliseconds MillisecondsOf(std::int64_t seconds) {
+  return std::chrono::milliseconds(SecondsTimes(seconds, 1000));
+}

@@ -1,0 +1,42 @@
+/// What the readings of processes need of the system. A failed reading is never an error: it is nothing, or zeros.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "monitor/ProcessSample.h"
+#include "qilsys/MonitoredProcess.h"
+
+/// A handle that stays with one process, also when its id is used again, and is closed by its destructor.
+class IProcessHandle {
+ public:
+  IProcessHandle() = default;
+  IProcessHandle(const IProcessHandle&) = delete;
+  IProcessHandle& operator=(const IProcessHandle&) = delete;
+  virtual ~IProcessHandle() = default;
+
+  /// The time the process has used, and the time of the reading. Nothing if it can't be had.
+  virtual std::optional<ProcessTimesSample> ReadTimes() const = 0;
+
+  /// The counters now, zeros if they can't be had.
+  virtual ProcessMemoryInfo ReadMemory() const = 0;
+
+  /// False once the process has ended.
+  virtual bool IsAlive() const = 0;
+};
+
+/// The calling process; needs no opening and so is never null.
+std::unique_ptr<IProcessHandle> CurrentProcess();
+
+/// A handle for readings. Null for an id that no process has, or that the caller may not watch.
+std::unique_ptr<IProcessHandle> OpenProcessToWatch(unsigned int pid);
+
+/// A handle that only `IsAlive` is asked of, where the system grants that more readily. Null as above.
+std::unique_ptr<IProcessHandle> OpenProcessToWait(unsigned int pid);
+
+/// The processors of the machine, 0 if they can't be counted.
+unsigned int CountProcessors();
+
+/// The clock of each processor of which it is known; empty if of none.
+std::vector<ProcessorClock> ReadProcessorClocks();

@@ -1,0 +1,108 @@
+#include "monitor/ResourceIpc.h"
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/ip/address.hpp>
+#include <boost/system/system_error.hpp>
+#include <cstring>
+#include <utility>
+
+#include "monitor/ResourceIpc_platform.h"
+
+using boost::asio::ip::udp;
+
+namespace {
+
+constexpr const char* g_broadcastAddress = "127.255.255.255";
+
+// The system's default holds a few hundred datagrams, and what does not fit is lost without a word.
+constexpr int g_receiveBufferBytes = 1 << 20;
+
+template <class TValues>
+TValues ValuesOf(const unsigned char* datagram) {
+  TValues values;
+  std::memcpy(&values, datagram, sizeof values);
+  return values;
+}
+
+}  // namespace
+
+ResourceIpc::ResourceIpc(unsigned short port, std::function<void(const ResourceValuesV2&)> onValues,
+                         const std::function<void(const TStringCore&)>& logFunc,
+                         std::terminate_handler terminateHandler)
+    : m_receiveSocket(m_receiveContext),
+      m_sendSocket(m_sendContext),
+      m_destination(boost::asio::ip::make_address(g_broadcastAddress), port),
+      m_onValues(std::move(onValues)),
+      m_logFunc(logFunc),
+      m_terminateHandler(terminateHandler) {
+  OpenSendSocket();
+  OpenReceiveSocket(port);
+  m_thread = std::thread([this] { Listen(); });
+}
+
+ResourceIpc::~ResourceIpc() { Stop(); }
+
+void ResourceIpc::Stop() {
+  m_receiveContext.stop();
+  if (m_thread.joinable()) m_thread.join();
+}
+
+void ResourceIpc::OpenSendSocket() {
+  m_sendSocket.open(udp::v4());
+  m_sendSocket.set_option(udp::socket::broadcast(true));
+}
+
+void ResourceIpc::OpenReceiveSocket(unsigned short port) {
+  m_receiveSocket.open(udp::v4());
+  m_receiveSocket.set_option(udp::socket::reuse_address(true));
+  boost::system::error_code refused;
+  m_receiveSocket.set_option(udp::socket::receive_buffer_size(g_receiveBufferBytes), refused);
+  m_receiveSocket.bind(udp::endpoint(resource_ipc::ReceiveAddress(), port));
+}
+
+void ResourceIpc::Send(const ResourceValuesV1& values) {
+  m_sendSocket.send_to(boost::asio::buffer(&values, sizeof values), m_destination);
+}
+
+void ResourceIpc::Send(const ResourceValuesV2& values) {
+  m_sendSocket.send_to(boost::asio::buffer(&values, sizeof values), m_destination);
+}
+
+void ResourceIpc::Listen() {
+  if (m_terminateHandler != nullptr) std::set_terminate(m_terminateHandler);
+  PostReceive();
+  m_receiveContext.run();
+  boost::system::error_code ignored;
+  m_receiveSocket.shutdown(udp::socket::shutdown_both, ignored);
+  m_receiveSocket.close(ignored);
+  m_logFunc(u"Resource Manager: listening thread has stopped");
+}
+
+void ResourceIpc::PostReceive() {
+  m_receiveSocket.async_receive_from(
+      boost::asio::buffer(m_receiveBuffer), m_senderEndpoint,
+      [this](const boost::system::error_code& error, std::size_t length) { OnReceive(error, length); });
+}
+
+// Returning without another receive leaves the context without work, which ends the listening.
+void ResourceIpc::OnReceive(const boost::system::error_code& error, std::size_t length) {
+  if (error || length == 0) {
+    m_logFunc(u"Resource Manager: socket error: " + TStringCore::fromStdString(error.message()));
+    return;
+  }
+  Judge(length);
+  PostReceive();
+}
+
+void ResourceIpc::Judge(std::size_t length) {
+  const boost::asio::ip::address sender = m_senderEndpoint.address();
+  if (!sender.is_v4() || sender.to_v4() != boost::asio::ip::address_v4::loopback()) return;
+  if (length == sizeof(ResourceValuesV2)) {
+    m_onValues(ValuesOf<ResourceValuesV2>(m_receiveBuffer.data()));
+  } else if (length == sizeof(ResourceValuesV1)) {
+    m_onValues(Widen(ValuesOf<ResourceValuesV1>(m_receiveBuffer.data())));
+  } else {
+    m_logFunc(u"Resource Manager: rejected invalid network packet from: " +
+              TStringCore::fromStdString(sender.to_string()));
+  }
+}

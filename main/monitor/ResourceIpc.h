@@ -1,0 +1,56 @@
+#pragma once
+
+#include <array>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/udp.hpp>
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <thread>
+
+#include "monitor/ResourceValues.h"
+#include "qilsys/TStringCore.h"
+
+/// The sockets of one member: it broadcasts on the loopback, and hears every member on its port, itself included.
+///
+/// Sending is done by the caller; receiving by a thread of its own. The two share neither socket nor lock. A receive
+/// error or an empty datagram ends the listening for good, and sending goes on.
+class ResourceIpc {
+ public:
+  /// Opens both sockets and starts listening. `onValues` and `logFunc` are called on the listening thread, which installs
+  /// `terminateHandler` unless it is null. A socket that can't be had throws `boost::system::system_error`.
+  ResourceIpc(unsigned short port, std::function<void(const ResourceValuesV2&)> onValues,
+              const std::function<void(const TStringCore&)>& logFunc, std::terminate_handler terminateHandler);
+  ResourceIpc(const ResourceIpc&) = delete;
+  ResourceIpc& operator=(const ResourceIpc&) = delete;
+
+  /// Stops, if that has not been done.
+  ~ResourceIpc();
+
+  /// Ends the listening and waits for its thread. Throws `std::system_error` on that thread itself.
+  void Stop();
+
+  /// Sends one datagram from the calling thread. Throws `boost::system::system_error`.
+  void Send(const ResourceValuesV1& values);
+  void Send(const ResourceValuesV2& values);
+
+ private:
+  void OpenSendSocket();
+  void OpenReceiveSocket(unsigned short port);
+  void Listen();
+  void PostReceive();
+  void OnReceive(const boost::system::error_code& error, std::size_t length);
+  void Judge(std::size_t length);
+
+  boost::asio::io_context m_receiveContext;
+  boost::asio::ip::udp::socket m_receiveSocket;
+  boost::asio::io_context m_sendContext;
+  boost::asio::ip::udp::socket m_sendSocket;
+  std::thread m_thread;
+  std::array<unsigned char, 1024> m_receiveBuffer{};
+  boost::asio::ip::udp::endpoint m_senderEndpoint;
+  boost::asio::ip::udp::endpoint m_destination;
+  std::function<void(const ResourceValuesV2&)> m_onValues;
+  std::function<void(const TStringCore&)> m_logFunc;
+  std::terminate_handler m_terminateHandler;
+};
