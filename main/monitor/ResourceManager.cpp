@@ -13,7 +13,7 @@ namespace {
 constexpr const char* g_file = "main/monitor/ResourceManager";
 
 // What every function that needs a started manager begins with: false if there is none and the assertion's hook returns.
-bool RequireStarted(const ResourceManagerImpl* singleton, int line, unsigned int code, const TStringCore& codeName) {
+bool RequireStarted(const ResourceManagerImpl* singleton, int line, unsigned int code, const char* codeName) {
   QILSYS_LOGIC_ASSERT(singleton, "s_singleton", g_file, line, code, codeName);
   return singleton != nullptr;
 }
@@ -41,37 +41,37 @@ void ResourceManager::Stop() {
 }
 
 void ResourceManager::AddReclaimCpuFunction(const TStringCore& name, std::function<void(double)> func) {
-  if (!RequireStarted(s_singleton, 70, 0x63847926, u"LogicException_LogicAssert_0x63847926")) return;
+  if (!RequireStarted(s_singleton, 70, 0x63847926, "LogicException_LogicAssert_0x63847926")) return;
   s_singleton->CpuReclaim().Add(name, std::move(func));
 }
 
 void ResourceManager::RemoveReclaimCpuFunction(const TStringCore& name) {
-  if (!RequireStarted(s_singleton, 76, 0x89B0A734, u"LogicException_LogicAssert_0x89B0A734")) return;
+  if (!RequireStarted(s_singleton, 76, 0x89B0A734, "LogicException_LogicAssert_0x89B0A734")) return;
   s_singleton->CpuReclaim().Remove(name);
 }
 
 void ResourceManager::AddReclaimMemoryFunction(const TStringCore& name, std::function<void(double)> func) {
-  if (!RequireStarted(s_singleton, 82, 0x401F5132, u"LogicException_LogicAssert_0x401F5132")) return;
+  if (!RequireStarted(s_singleton, 82, 0x401F5132, "LogicException_LogicAssert_0x401F5132")) return;
   s_singleton->MemoryReclaim().Add(name, std::move(func));
 }
 
 void ResourceManager::RemoveReclaimMemoryFunction(const TStringCore& name) {
-  if (!RequireStarted(s_singleton, 88, 0x5935050F, u"LogicException_LogicAssert_0x5935050F")) return;
+  if (!RequireStarted(s_singleton, 88, 0x5935050F, "LogicException_LogicAssert_0x5935050F")) return;
   s_singleton->MemoryReclaim().Remove(name);
 }
 
 void ResourceManager::RegisterChildProcessId(unsigned int pid) {
-  if (!RequireStarted(s_singleton, 94, 0xC229B6E8, u"LogicException_LogicAssert_0xC229B6E8")) return;
+  if (!RequireStarted(s_singleton, 94, 0xC229B6E8, "LogicException_LogicAssert_0xC229B6E8")) return;
   s_singleton->Children().AddChild(pid);
 }
 
 void ResourceManager::UnregisterChildProcessId(unsigned int pid) {
-  if (!RequireStarted(s_singleton, 100, 0x17D48ECC, u"LogicException_LogicAssert_0x17D48ECC")) return;
+  if (!RequireStarted(s_singleton, 100, 0x17D48ECC, "LogicException_LogicAssert_0x17D48ECC")) return;
   s_singleton->Children().RemoveChild(pid);
 }
 
 std::pair<unsigned char, unsigned long long> ResourceManager::GetCpuAndMemoryUsage() {
-  if (!RequireStarted(s_singleton, 106, 0x9834CEA0, u"LogicException_LogicAssert_0x9834CEA0")) return {0, 0};
+  if (!RequireStarted(s_singleton, 106, 0x9834CEA0, "LogicException_LogicAssert_0x9834CEA0")) return {0, 0};
   return s_singleton->GetCpuAndMemoryUsage();
 }
 
