@@ -16,10 +16,9 @@ unsigned int GetNumberOfCpus() {
 }
 
 [[noreturn]] void ThrowNotRunning(unsigned int pid) {
-  throw QuillonException(
-      TFormatStringCore(u"Process pid=%1 is not running").arg(pid),
-      TError::ErrorInfo(QuillonError::MakeError(0xC1062A71, u"QuillonException_AutoGen_0xC1062A71"), TError::System,
-                        grpc::StatusCode::UNKNOWN));
+  throw QuillonException(TFormatStringCore(u"Process pid=%1 is not running").arg(pid),
+                         TError::ErrorInfo(QuillonError::MakeError(0xC1062A71, u"QuillonException_AutoGen_0xC1062A71"),
+                                           TError::System, grpc::StatusCode::UNKNOWN));
 }
 
 std::unique_ptr<IProcessHandle> Open(unsigned int pid) {

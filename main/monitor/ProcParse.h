@@ -13,7 +13,8 @@ namespace proc {
 /// another way, or its number passes 64 bits.
 std::optional<std::uint64_t> StatusBytes(std::string_view status, std::string_view name);
 
-/// The memory counters of /proc/PID/status. Nothing if the private bytes are not in it, as for a process that has ended.
+/// The memory counters of /proc/PID/status. Nothing if the private bytes are not in it, as for a process that has
+/// ended.
 std::optional<ProcessMemoryInfo> MemoryOfStatus(std::string_view status);
 
 /// The page faults, minor and major, of /proc/PID/stat, in the low 32 bits.

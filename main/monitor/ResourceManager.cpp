@@ -12,7 +12,8 @@ namespace {
 
 constexpr const char* g_file = "main/monitor/ResourceManager";
 
-// What every function that needs a started manager begins with: false if there is none and the assertion's hook returns.
+// What every function that needs a started manager begins with: false if there is none and the assertion's hook
+// returns.
 bool RequireStarted(const ResourceManagerImpl* singleton, int line, unsigned int code, const char* codeName) {
   QILSYS_LOGIC_ASSERT(singleton, "s_singleton", g_file, line, code, codeName);
   return singleton != nullptr;
@@ -75,9 +76,7 @@ std::pair<unsigned char, unsigned long long> ResourceManager::GetCpuAndMemoryUsa
   return s_singleton->GetCpuAndMemoryUsage();
 }
 
-double ResourceManager::GetMemoryPressure() {
-  return s_singleton != nullptr ? s_singleton->GetMemoryPressure() : -1.0;
-}
+double ResourceManager::GetMemoryPressure() { return s_singleton != nullptr ? s_singleton->GetMemoryPressure() : -1.0; }
 
 unsigned long long ResourceManager::AdjustMemoryLimit(unsigned int minimumBaseGiB, unsigned int explicitLimitGiB,
                                                       double fraction, double reserveGiB) {

@@ -155,9 +155,9 @@ unsigned long long ResourceManagerImpl::GetTotalMemoryUsed() {
 
 void ResourceManagerImpl::Send(const ResourceValuesV2& values) {
   const bool known = ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2;
-  QILSYS_LOGIC_ASSERT(
-      known, "ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2",
-      "main/monitor/ResourceManagerImpl", 479, 0x044A63AC, "LogicException_LogicAssert_0x044A63AC");
+  QILSYS_LOGIC_ASSERT(known,
+                      "ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2",
+                      "main/monitor/ResourceManagerImpl", 479, 0x044A63AC, "LogicException_LogicAssert_0x044A63AC");
   if (m_rvVersion == ResourceValuesVersion::VER_1) m_ipc->Send(Narrow(values));
   if (m_rvVersion == ResourceValuesVersion::VER_2) m_ipc->Send(values);
 }

@@ -69,8 +69,8 @@ void ResourceManagerImpl::LogCpuInfo(const ResourceValuesV2& values, const Group
 
 void ResourceManagerImpl::LogCpuExcess(const ResourceValuesV2& values) {
   Log(u"Resource Manager: Exceeded sustained high CPU threshold above " + TStringCore::number(m_cpu.m_maxCpuPercent) +
-      u"% for " + TStringCore::number(m_cpu.m_sustainedSeconds) +
-      u" seconds.  This process has the highest usage of " + TStringCore::number(unsigned{values.cpuPercent}) + u"%");
+      u"% for " + TStringCore::number(m_cpu.m_sustainedSeconds) + u" seconds.  This process has the highest usage of " +
+      TStringCore::number(unsigned{values.cpuPercent}) + u"%");
   ReportAll();
 }
 

@@ -60,9 +60,9 @@ bool ResourceManagerImpl::ReclaimMemory(MonitoredProcess& self, ResourceValuesV2
 }
 
 bool ResourceManagerImpl::AskToReclaimMemory(const ResourceValuesV2& values) {
-  const double usedFraction = MemoryPolicyInForce() ? static_cast<double>(values.memoryBytes) /
-                                                          static_cast<double>(m_memory.m_perProcessLimit)
-                                                    : -1.0;
+  const double usedFraction =
+      MemoryPolicyInForce() ? static_cast<double>(values.memoryBytes) / static_cast<double>(m_memory.m_perProcessLimit)
+                            : -1.0;
   return m_memoryReclaim.Reclaim(m_general.m_logFunc, usedFraction);
 }
 
