@@ -21,6 +21,18 @@ SYSTEM = re.compile(r'/include/(?:[\w-]+-linux-gnu/)?((?:sys|net|netinet|arpa|li
                     r'semaphore\.h|dlfcn\.h|fcntl\.h|poll\.h|signal\.h|link\.h|spawn\.h|sched\.h|windows\.h|winsock2\.h)$')
 
 
+def check_contents(report, headers):
+    """qilsys.h includes all, and Fwd.h names every exported class that stands in no other."""
+    everything, names = read('public/qilsys/qilsys.h'), read('public/qilsys/Fwd.h')
+    for path in headers:
+        include = path.removeprefix('public/')
+        if f'#include "{include}"' not in everything and include != 'qilsys/qilsys.h':
+            report.wrong(path, 'not included by qilsys/qilsys.h')
+        for kind, name in re.findall(r'^(class|struct) (?:QILSYS_API |\[\[\w+\]\] )+(\w+)[^;:]*[:{]', read(path), re.M):
+            if not re.search(rf'^ *{kind} {name};', names, re.M):
+                report.wrong(f'{path}:{name}', 'not declared in qilsys/Fwd.h')
+
+
 def compile(code, *flags):
     return subprocess.run([CXX, *FLAGS, *flags, '-x', 'c++', '-fsyntax-only', '-'], input=code, capture_output=True, text=True)
 
@@ -67,6 +79,7 @@ for name in sorted(dependencies):
     for trail in system_headers_of(name):
         report.wrong(name, f'brings in a header of the operating system: {trail}')
 
+check_contents(report, headers)
 with ThreadPoolExecutor(os.cpu_count()) as pool:
     codes = [f'#include "{h.removeprefix("public/")}"\n' * 2 for h in headers]
     for path, result in zip(headers, pool.map(compile, codes)):

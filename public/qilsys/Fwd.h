@@ -1,0 +1,43 @@
+/// Declares the names of the library's classes, for headers that only pass them on. The header of a class is named as
+/// the class, unless a comment says otherwise.
+#pragma once
+
+// Text
+class TStringCore;
+class TFormatStringCore;
+class TForeignText;
+class TForeignBuffer;  // TForeignText.h
+
+// Errors
+class QuillonError;
+class QuillonException;
+class QuillonOutOfMemoryException;  // QuillonException.h
+class QuillonUserErrorException;    // QuillonException.h
+class LogicException;
+namespace TError {
+class ErrorInfo;  // TError.h
+}
+
+// Synchronisation
+template <class T>
+class RefCntObjectNonVirtualBase;  // ReferenceCount.h
+class RefCntObject;                // ReferenceCount.h
+class IEvent;                      // TEvent.h
+class TEvent;
+class TAutoResetEvent;  // TEvent.h
+class TCountdownEvent;  // TEvent.h
+class TCancelEvent;     // TEvent.h
+class TRecursiveMutex;  // TLocks.h
+class TReadWriteLock;   // TLocks.h
+template <class TLock>
+class TScopedLock;  // TLocks.h
+template <class TLock>
+class TScopedReadLock;  // TLocks.h
+class TSemaphore;
+class TSemaphoreScope;  // TSemaphore.h
+
+// Resource monitoring
+class ResourceManager;
+class ResourceReporter;
+class MonitoredProcess;
+struct ProcessMemoryInfo;  // MonitoredProcess.h
