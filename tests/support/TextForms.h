@@ -1,0 +1,38 @@
+/// Runs one test through both unit types of text.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+#include "qilsys/CodePoint.h"
+
+namespace qilsys::test {
+
+/// The text with one element for each unit, so that a surrogate pair stays two elements in either form.
+template <TextUnit U>
+std::basic_string<U> As(std::u16string_view units) {
+  return std::basic_string<U>(units.begin(), units.end());
+}
+
+/// Calls `f` with a value of each unit type; its failures name the type.
+template <class F>
+void ForEachUnitType(F f) {
+  {
+    SCOPED_TRACE("the form on TCodeUnit");
+    f(TCodeUnit{});
+  }
+  {
+    SCOPED_TRACE("the form on TForeignUnit");
+    f(TForeignUnit{});
+  }
+}
+
+/// Names a test by the field `name` of its row.
+template <class Row>
+std::string RowName(const testing::TestParamInfo<Row>& info) {
+  return info.param.name;
+}
+
+}  // namespace qilsys::test
