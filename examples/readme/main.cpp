@@ -36,5 +36,6 @@ int main() {
   std::thread meter([&] { measured.Signal(); });
   const bool inTime = measured.Wait(std::chrono::seconds(10));
   meter.join();
-  Show(inTime && self.IsRunning() && self.GetMemoryUsage() > 0 ? u"this process runs, and holds memory" : u"no figures");
+  Show(inTime && self.IsRunning() && self.GetMemoryUsage() > 0 ? u"this process runs, and holds memory"
+                                                               : u"no figures");
 }
