@@ -1,0 +1,10 @@
+// The Windows sibling hands the text to the debugger.
+#include "qilsys/DebugChannel_platform.h"
+
+#if !defined(__linux__)
+#error "This file is for Linux only."
+#endif
+
+#include <cstdio>
+
+void qilsys::WriteToDebugChannel(const char* text) noexcept { std::fprintf(stderr, "%s\n", text); }
