@@ -1,0 +1,66 @@
+/// How much memory there is: what TSystem tells of it, and the texts by which a Linux kernel does. Pure functions; the
+/// file that reads those texts is MachineMemory_linux.cpp.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qilsys/TSystem.h"
+
+namespace qilsys {
+
+/// Memory as the system tells it, in bytes; all zero when it tells nothing.
+struct MachineMemory {
+  std::uint64_t m_total = 0;
+  std::uint64_t m_available = 0;
+
+  bool operator==(const MachineMemory&) const = default;
+};
+
+/// The public record: used is never 0, and the load is a whole percentage.
+TSystem::MemoryInfo ToMemoryInfo(const MachineMemory& memory, std::uint32_t pageSize);
+
+/// The two layouts of control groups; both may be in use at once.
+enum class CgroupVersion { V1, V2 };
+
+/// Where a hierarchy of control groups is mounted, and which of its groups is seen there.
+struct CgroupMount {
+  std::string m_mountPoint;
+  std::string m_root;
+
+  bool operator==(const CgroupMount&) const = default;
+};
+
+/// What one group says of its memory, in bytes. `m_reclaimable` is the part of the usage that is given up first.
+struct CgroupMemory {
+  std::optional<std::uint64_t> m_limit;
+  std::uint64_t m_usage = 0;
+  std::uint64_t m_reclaimable = 0;
+};
+
+/// The text of /proc/meminfo; nothing unless the total and the available (or, in old kernels, the free) memory are
+/// there.
+std::optional<MachineMemory> ParseMemInfo(std::string_view text);
+
+/// The text of /proc/self/cgroup: the path of the group that bounds this process's memory.
+std::optional<std::string> ParseCgroupPath(std::string_view text, CgroupVersion version);
+
+/// The text of /proc/self/mountinfo: the mount of the hierarchy that bounds memory.
+std::optional<CgroupMount> ParseCgroupMount(std::string_view text, CgroupVersion version);
+
+/// The folders of a group and of all its parents that the mount shows, the group's own first.
+std::vector<std::string> CgroupFolders(const CgroupMount& mount, std::string_view path);
+
+/// One number of bytes; nothing for "max" and for text that is no number.
+std::optional<std::uint64_t> ParseByteCount(std::string_view text);
+
+/// The value of one row of a group's memory.stat.
+std::optional<std::uint64_t> ParseStatRow(std::string_view text, std::string_view key);
+
+/// The smaller of the machine's memory and the group's, for total and available each.
+MachineMemory Bound(const MachineMemory& memory, const CgroupMemory& group);
+
+}  // namespace qilsys

@@ -1,0 +1,39 @@
+// The Windows sibling has the same operations.
+#include "system/TSystem_platform.h"
+
+#if !defined(__linux__)
+#error "This file is for Linux only."
+#endif
+
+#include <langinfo.h>
+#include <locale.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <type_traits>
+
+#include "system/CodePage.h"
+
+namespace {
+
+struct FreeLocale {
+  void operator()(locale_t locale) const { freelocale(locale); }
+};
+using Locale = std::unique_ptr<std::remove_pointer_t<locale_t>, FreeLocale>;
+
+}  // namespace
+
+unsigned int qilsys::CurrentProcessId() { return static_cast<unsigned int>(getpid()); }
+
+unsigned long long qilsys::CurrentThreadId() { return static_cast<unsigned long long>(gettid()); }
+
+// Asks for the environment's locale and leaves the process's own as it is.
+unsigned int qilsys::ActiveCodePage() {
+  const Locale locale(newlocale(LC_CTYPE_MASK, "", nullptr));
+  return CodePageOfCodeset(locale ? nl_langinfo_l(CODESET, locale.get()) : "");
+}
+
+std::uint32_t qilsys::PageSize() { return static_cast<std::uint32_t>(sysconf(_SC_PAGESIZE)); }
+
+int qilsys::LastErrorNumber() { return errno; }
