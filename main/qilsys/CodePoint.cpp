@@ -160,8 +160,8 @@ int Utf16ToUtf8(const S* source, char* target, int& position, int capacity) {
   int units = 0;
   const char32_t codePoint = GetCodePoint(source, &units);
   const bool substituted = codePoint == ReplacementCharacter && static_cast<char32_t>(*source) != codePoint;
-  const bool written = substituted ? WriteSubstitute(target, position, capacity)
-                                   : WriteBytes(codePoint, target, position, capacity);
+  const bool written =
+      substituted ? WriteSubstitute(target, position, capacity) : WriteBytes(codePoint, target, position, capacity);
   return written ? units : 0;
 }
 

@@ -112,8 +112,7 @@ class RefCntPtr {
   /// Leaves `other` null and the count as it is.
   RefCntPtr(RefCntPtr&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
   template <class U>
-    requires(std::convertible_to<U*, T*> && !std::same_as<U, T>)
-  RefCntPtr(const RefCntPtr<U, Base>& other)
+  requires(std::convertible_to<U*, T*> && !std::same_as<U, T>) RefCntPtr(const RefCntPtr<U, Base>& other)
   noexcept : RefCntPtr(other.get()) {}
   ~RefCntPtr() { reset(); }
 

@@ -6,7 +6,8 @@
 /// | `TReadWriteLock`  | exclusive, again on its thread  | shared; passes writers that wait    |
 ///
 /// Both have the same names, so one guard serves both. A lock that stays free of contention costs one atomic exchange
-/// each way and no call of the system. Neither is fair: a thread that comes along may take a lock before one that sleeps.
+/// each way and no call of the system. Neither is fair: a thread that comes along may take a lock before one that
+/// sleeps.
 #pragma once
 
 #include <memory>

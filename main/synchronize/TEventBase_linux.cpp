@@ -1,0 +1,124 @@
+#include "synchronize/TEventBase_platform.h"
+
+#ifndef __linux__
+#error "This file calls Linux."
+#endif
+
+#include <atomic>
+#include <cerrno>
+
+#include "synchronize/TWaitQueue.h"
+
+namespace {
+
+using qilsys::synchronize::FutexResult;
+using qilsys::synchronize::TDeadline;
+using qilsys::synchronize::TFutexGuard;
+using qilsys::synchronize::TFutexLock;
+using qilsys::synchronize::TWaiter;
+using qilsys::synchronize::TWaitQueue;
+
+// A lone flag would lose the second of two sets before a waiter has run, and a set followed by a reset would release
+// nobody; so each set takes those that it releases out of the queue.
+//
+// `m_isSet` is written under the lock only. It may be read without: an acquire that finds it true sees what was
+// written before the release store that set it. A set event has an empty queue.
+struct Event {
+  explicit Event(bool created, TPlatformEvent::Kind kind)
+      : m_isCreated(created), m_isManual(kind == TPlatformEvent::Kind::ManualReset) {}
+
+  bool Poll();
+  bool TakeIfSet();
+  TWaiter* SetAndTake();
+
+  TFutexLock m_lock;
+  std::atomic<bool> m_isSet{false};
+  const bool m_isCreated;
+  const bool m_isManual;
+  TWaitQueue m_waiters;
+};
+
+bool Event::Poll() {
+  if (m_isManual || !m_isSet.load(std::memory_order_relaxed)) {
+    return m_isSet.load(std::memory_order_acquire);
+  }
+  const TFutexGuard guard(m_lock);
+  return TakeIfSet();
+}
+
+bool Event::TakeIfSet() {
+  const bool isSet = m_isSet.load(std::memory_order_relaxed);
+  if (isSet && !m_isManual) {
+    m_isSet.store(false, std::memory_order_relaxed);
+  }
+  return isSet;
+}
+
+TWaiter* Event::SetAndTake() {
+  const TFutexGuard guard(m_lock);
+  TWaiter* const released = m_isManual ? m_waiters.TakeAll() : m_waiters.TakeFirst();
+  if (m_isManual || !released) {
+    m_isSet.store(true, std::memory_order_release);
+  }
+  return released;
+}
+
+bool SleepOn(Event& event, const TDeadline& deadline) {
+  TWaiter waiter;
+  {
+    const TFutexGuard guard(event.m_lock);
+    if (event.TakeIfSet()) {
+      return true;
+    }
+    event.m_waiters.Add(waiter);
+  }
+  return event.m_waiters.Wait(waiter, event.m_lock, deadline) == FutexResult::Woken;
+}
+
+bool IsCreated(const Event& event) {
+  if (!event.m_isCreated) {
+    errno = EBADF;
+  }
+  return event.m_isCreated;
+}
+
+}  // namespace
+
+TPlatformEvent::TPlatformEvent(Kind kind) { m_event.Construct<Event>(true, kind); }
+
+TPlatformEvent::TPlatformEvent(NotCreatedTag) { m_event.Construct<Event>(false, Kind::ManualReset); }
+
+TPlatformEvent::~TPlatformEvent() { m_event.Destroy<Event>(); }
+
+bool TPlatformEvent::Set() {
+  Event& event = m_event.As<Event>();
+  if (!IsCreated(event)) {
+    return false;
+  }
+  TWaitQueue::Release(event.SetAndTake());
+  return true;
+}
+
+bool TPlatformEvent::Reset() {
+  Event& event = m_event.As<Event>();
+  if (!IsCreated(event)) {
+    return false;
+  }
+  const TFutexGuard guard(event.m_lock);
+  event.m_isSet.store(false, std::memory_order_relaxed);
+  return true;
+}
+
+bool TPlatformEvent::Wait(std::uint32_t milliseconds) {
+  Event& event = m_event.As<Event>();
+  if (!IsCreated(event)) {
+    return false;
+  }
+  return event.Poll() || (milliseconds != 0 && SleepOn(event, TDeadline::After(milliseconds)));
+}
+
+unsigned int TPlatformEvent::WaitersForTest() {
+  Event& event = m_event.As<Event>();
+  const TFutexGuard guard(event.m_lock);
+  return event.m_waiters.SizeForTest();
+}

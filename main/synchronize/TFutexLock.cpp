@@ -1,0 +1,47 @@
+#include "synchronize/TFutexLock.h"
+
+#include <thread>
+
+namespace qilsys::synchronize {
+namespace {
+
+// Sections here are short, so a holder that runs is done before a sleep would have begun. With one processor the
+// holder can't run while another spins. A lock used before this is set spins not at all, which is harmless.
+const int g_spins = std::thread::hardware_concurrency() > 1 ? 4000 : 0;
+
+inline void Pause() {
+#if defined(__x86_64__) || defined(__i386__)
+  __builtin_ia32_pause();
+#elif defined(__aarch64__)
+  asm volatile("yield");
+#endif
+}
+
+}  // namespace
+
+// Once somebody sleeps, spinning on would only steal the lock from the sleeper that the holder is about to wake.
+bool TFutexLock::SpinForLock() noexcept {
+  for (int spin = 0; spin < g_spins; ++spin) {
+    const std::uint32_t state = m_word.load(std::memory_order_relaxed);
+    if (state == Contended) {
+      return false;
+    }
+    if (state == Free && TryLock()) {
+      return true;
+    }
+    Pause();
+  }
+  return false;
+}
+
+// A wait that fails is treated as a wake without a cause: the loop then spins, which is slow and still correct.
+[[gnu::noinline]] void TFutexLock::LockSlow() noexcept {
+  if (SpinForLock()) {
+    return;
+  }
+  while (m_word.exchange(Contended, std::memory_order_acquire) != Free) {
+    FutexWait(m_word, Contended, TDeadline::Never());
+  }
+}
+
+}  // namespace qilsys::synchronize

@@ -1,0 +1,48 @@
+/// What each system must give for locks: a critical section, and a condition to wait for inside of it.
+#pragma once
+
+#include "synchronize/TOpaqueStorage.h"
+
+/// A mutex that its thread may enter again and must leave as many times. A thread that finds it taken spins for a
+/// while before it sleeps, on machines with more than one processor.
+class TCriticalSection {
+ public:
+  TCriticalSection();
+  TCriticalSection(const TCriticalSection&) = delete;
+  TCriticalSection& operator=(const TCriticalSection&) = delete;
+  ~TCriticalSection();
+
+  void Enter() noexcept;
+  bool TryEnter() noexcept;
+  void Leave() noexcept;
+
+  /// True once a thread sleeps at the entry, or is about to.
+  bool IsContendedForTest() const noexcept;
+
+ private:
+  friend class TConditionVariable;
+
+  qilsys::synchronize::TOpaqueStorage<48> m_section;
+};
+
+/// Threads that sleep until something has changed; each tests its condition again when it wakes.
+class TConditionVariable {
+ public:
+  TConditionVariable();
+  TConditionVariable(const TConditionVariable&) = delete;
+  TConditionVariable& operator=(const TConditionVariable&) = delete;
+  ~TConditionVariable();
+
+  /// Leaves the section whatever its depth, sleeps until woken, and enters it again at the same depth. A wake that
+  /// comes after the section was left is not missed. May return without a wake. False if the system can't wait; the
+  /// section is entered again then too.
+  bool Sleep(TCriticalSection& section) noexcept;
+  /// Wakes the thread that has slept longest, if there is one.
+  void WakeOne() noexcept;
+
+  /// How many threads sleep.
+  unsigned int SleepersForTest() noexcept;
+
+ private:
+  qilsys::synchronize::TOpaqueStorage<32> m_condition;
+};

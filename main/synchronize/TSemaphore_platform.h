@@ -1,0 +1,35 @@
+/// What each system must give for semaphores.
+#pragma once
+
+#include <cstdint>
+
+#include "synchronize/TOpaqueStorage.h"
+
+/// A count of units. Operations that fail leave the reason as the thread's last error.
+class TPlatformSemaphore {
+ public:
+  enum class WaitResult { Acquired, TimedOut, Failed };
+
+  static constexpr std::uint32_t s_noLimit = 0xFFFFFFFF;
+
+  TPlatformSemaphore();
+  TPlatformSemaphore(const TPlatformSemaphore&) = delete;
+  TPlatformSemaphore& operator=(const TPlatformSemaphore&) = delete;
+  ~TPlatformSemaphore();
+
+  /// Called once, before everything else. False if `initial` is more than `maximum`.
+  bool Create(std::uint32_t initial, std::uint32_t maximum);
+  /// 0 looks without waiting. `Failed` if the system can't wait.
+  WaitResult Wait(std::uint32_t milliseconds);
+  /// Gives one unit, to the thread that has waited longest if there is one. False at the maximum; the count stays.
+  bool Release();
+
+  /// The calling thread's last error, by the system's own number.
+  static unsigned int LastError();
+
+  /// How many threads wait.
+  unsigned int WaitersForTest();
+
+ private:
+  qilsys::synchronize::TOpaqueStorage<32> m_semaphore;
+};
