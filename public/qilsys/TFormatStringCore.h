@@ -27,29 +27,29 @@ class QILSYS_API TFormatStringCore {
 
   /// Sets the template. Every constructor and assignment from text raises `Exception` for a bad template. They are
   /// explicit, so that a literal handed to an exception is plain text and never a template by accident.
-  explicit TFormatStringCore(TStringCore const& format);
+  explicit TFormatStringCore(const TStringCore& format);
   /// The same with zero-terminated text; null counts as empty.
-  explicit TFormatStringCore(TCodeUnit const* format);
+  explicit TFormatStringCore(const TCodeUnit* format);
   template <ForeignUnit U>
-  explicit TFormatStringCore(U const* format) : TFormatStringCore(TStringCore(format)) {}
+  explicit TFormatStringCore(const U* format) : TFormatStringCore(TStringCore(format)) {}
   /// The same with zero-terminated UTF-8; null counts as empty.
   template <std::same_as<char> C>
-  explicit TFormatStringCore(C const* format) : TFormatStringCore(TStringCore(format)) {}
-  TFormatStringCore(TFormatStringCore const&);
+  explicit TFormatStringCore(const C* format) : TFormatStringCore(TStringCore(format)) {}
+  TFormatStringCore(const TFormatStringCore&);
   ~TFormatStringCore();
 
-  TFormatStringCore& operator=(TFormatStringCore const&);
+  TFormatStringCore& operator=(const TFormatStringCore&);
   /// Replaces the template; parameters already given stay. After a failure the object must not be used.
-  TFormatStringCore& operator=(TStringCore const& format);
-  TFormatStringCore& operator=(TCodeUnit const* format);
+  TFormatStringCore& operator=(const TStringCore& format);
+  TFormatStringCore& operator=(const TCodeUnit* format);
   template <ForeignUnit U>
-  TFormatStringCore& operator=(U const* format) {
+  TFormatStringCore& operator=(const U* format) {
     return *this = TStringCore(format);
   }
 
   /// Appends the next parameter. A text shorter than `fieldWidth` is padded with `fill` on its left, for a negative
   /// `fieldWidth` on its right; a longer one is never cut.
-  TFormatStringCore& arg(TStringCore const& a, int fieldWidth = 0, TCodeUnit fill = u' ');
+  TFormatStringCore& arg(const TStringCore& a, int fieldWidth = 0, TCodeUnit fill = u' ');
   /// Appends a number, converted by `TStringCore::number` in `base` and then padded as text: a sign stands inside the
   /// fill, so -42 in width 5 with fill "0" is "00-42". Raises `TStringCore::Exception` for a bad base.
   TFormatStringCore& arg(short a, int fieldWidth = 0, int base = 10, TCodeUnit fill = u' ');
@@ -68,13 +68,13 @@ class QILSYS_API TFormatStringCore {
 
   /// Appends two to ten texts in order, unpadded.
   template <class... Texts>
-    requires(sizeof...(Texts) >= 2 && sizeof...(Texts) <= 10 && (std::convertible_to<Texts const&, TStringCore> && ...))
-  TFormatStringCore& arg(Texts const&... texts) {
+    requires(sizeof...(Texts) >= 2 && sizeof...(Texts) <= 10 && (std::convertible_to<const Texts&, TStringCore> && ...))
+  TFormatStringCore& arg(const Texts&... texts) {
     (append(texts), ...);
     return *this;
   }
   /// Replaces all parameters by these. The other forms append.
-  TFormatStringCore& arg(std::vector<TStringCore> const& all);
+  TFormatStringCore& arg(const std::vector<TStringCore>& all);
 
   /// The forms above for a character or a fill of the other unit type. A fill that needs two units becomes U+FFFD.
   template <ForeignUnit U>
@@ -84,7 +84,7 @@ class QILSYS_API TFormatStringCore {
   template <ForeignUnit U, class Fill>
     requires(ForeignUnit<Fill> || std::same_as<Fill, TCodeUnit>)
   TFormatStringCore& arg(U a, int fieldWidth, Fill fill) {
-    TForeignText const text(a);
+    const TForeignText text(a);
     return arg(TStringCore(text.data(), text.length()), fieldWidth, fill);
   }
   template <ForeignUnit U>
@@ -92,7 +92,7 @@ class QILSYS_API TFormatStringCore {
     return arg(a, fieldWidth, ForeignToUnit(fill));
   }
   template <ForeignUnit U>
-  TFormatStringCore& arg(TStringCore const& a, int fieldWidth, U fill) {
+  TFormatStringCore& arg(const TStringCore& a, int fieldWidth, U fill) {
     return arg(a, fieldWidth, ForeignToUnit(fill));
   }
   template <std::integral T, ForeignUnit U>
@@ -124,14 +124,15 @@ class QILSYS_API TFormatStringCore {
     std::int32_t number;
   };
 
-  void setFormat();
   void scanForMarkers();
-  void addMarker(Marker const& marker);
+  const TCodeUnit* scanMarker(const TCodeUnit* percent, const TCodeUnit* end);
+  void append(const TStringCore& a);
+  TFormatStringCore& pad(const TStringCore& a, int fieldWidth, TCodeUnit fill);
+  TFormatStringCore& appendNumber(TStringCore&& text, int fieldWidth, TCodeUnit fill);
   void requireParameters() const;
   int resultLength() const;
-  TStringCore const& parameter(Marker const& marker) const;
-  void append(TStringCore const& a);
-  TFormatStringCore& appendPadded(TStringCore&& a, int fieldWidth, TCodeUnit fill);
+  const TStringCore& parameter(const Marker& marker) const;
+  void expandInto(TCodeUnit* target) const;
 
   std::int32_t m_highestMarker = 0;
   std::vector<Marker> m_markers;
@@ -143,8 +144,8 @@ class QILSYS_API TFormatStringCore {
 /// QuillonException.
 class QILSYS_API TFormatStringCore::Exception : public QuillonException {
  public:
-  Exception(TStringCore const& message, TError::ErrorInfo const& info);
-  Exception(Exception const&);
-  Exception& operator=(Exception const&);
+  Exception(const TStringCore& message, const TError::ErrorInfo& info);
+  Exception(const Exception&);
+  Exception& operator=(const Exception&);
   ~Exception() override;
 };

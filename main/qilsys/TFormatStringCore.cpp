@@ -1,0 +1,228 @@
+#include "qilsys/TFormatStringCore.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <utility>
+
+#include "qilsys/TCType.h"
+
+namespace {
+
+constexpr int HighestNumber = 99;
+
+TError::ErrorInfo FormatError(unsigned int code, const char* codeName) {
+  return {QuillonError::MakeError(code, codeName), TError::Client, grpc::StatusCode::UNKNOWN};
+}
+
+[[noreturn]] void Fail(const TStringCore& message, unsigned int code, const char* codeName) {
+  throw TFormatStringCore::Exception(message, FormatError(code, codeName));
+}
+
+[[noreturn]] void FailBelowOne() {
+  Fail("Invalid marker number <= 0 in format string.", 0x274BF5E7, "QuillonException_AutoGen_0x274BF5E7");
+}
+
+[[noreturn]] void FailAtEnd(bool hasNumber) {
+  if (hasNumber) {
+    Fail("Format string ends with an invalid marker number <= 0.", 0xA4DB9BBE, "QuillonException_AutoGen_0xA4DB9BBE");
+  }
+  Fail("Format string ends with an incomplete marker.", 0xA33EDF83, "QuillonException_AutoGen_0xA33EDF83");
+}
+
+// The value that a unit adds to a number. Digits beyond ASCII count by their unit too, far above any valid number.
+int DigitValue(TCodeUnit unit) { return unit - u'0'; }
+
+int FirstDigit(TCodeUnit unit) {
+  if (!TCType::isDigit(unit)) {
+    Fail("Invalid numberless marker in format string.", 0xF7AF5E37, "QuillonException_AutoGen_0xF7AF5E37");
+  }
+  if (unit == u'0') {
+    Fail("Leading zero in marker number in format string.", 0xB3668D59, "QuillonException_AutoGen_0xB3668D59");
+  }
+  return DigitValue(unit);
+}
+
+int NextDigit(int number, TCodeUnit unit) {
+  const int next = number * 10 + DigitValue(unit);
+  if (next > HighestNumber) {
+    Fail("Invalid marker number > 99 in format string.", 0xCA249FEE, "QuillonException_AutoGen_0xCA249FEE");
+  }
+  return next;
+}
+
+TCodeUnit* Copy(TCodeUnit* to, const TCodeUnit* from, int length) {
+  std::memcpy(to, from, static_cast<std::size_t>(length) * sizeof(TCodeUnit));
+  return to + length;
+}
+
+}  // namespace
+
+TFormatStringCore::Exception::Exception(const TStringCore& message, const TError::ErrorInfo& info)
+    : QuillonException(message, info) {}
+TFormatStringCore::Exception::Exception(const Exception&) = default;
+TFormatStringCore::Exception& TFormatStringCore::Exception::operator=(const Exception&) = default;
+TFormatStringCore::Exception::~Exception() = default;
+
+TFormatStringCore::TFormatStringCore(const TStringCore& format) : m_format(format) { scanForMarkers(); }
+TFormatStringCore::TFormatStringCore(const TCodeUnit* format) : m_format(format) { scanForMarkers(); }
+TFormatStringCore::TFormatStringCore(const TFormatStringCore&) = default;
+TFormatStringCore::~TFormatStringCore() = default;
+
+TFormatStringCore& TFormatStringCore::operator=(const TFormatStringCore&) = default;
+
+TFormatStringCore& TFormatStringCore::operator=(const TStringCore& format) {
+  m_format = format;
+  scanForMarkers();
+  return *this;
+}
+
+TFormatStringCore& TFormatStringCore::operator=(const TCodeUnit* format) { return *this = TStringCore(format); }
+
+void TFormatStringCore::scanForMarkers() {
+  m_markers.clear();
+  m_highestMarker = 0;
+  const TCodeUnit* const first = m_format.constData();
+  const TCodeUnit* const end = first + m_format.length();
+  // Each marker holds one "%" at least, so this is room enough and the list grows once.
+  m_markers.reserve(static_cast<std::size_t>(std::count(first, end, TCodeUnit{u'%'})));
+  const TCodeUnit* unit = first;
+  while ((unit = std::find(unit, end, TCodeUnit{u'%'})) != end) {
+    unit = scanMarker(unit, end);
+  }
+  m_parameters.reserve(static_cast<std::size_t>(m_highestMarker));
+}
+
+const TCodeUnit* TFormatStringCore::scanMarker(const TCodeUnit* percent, const TCodeUnit* end) {
+  const auto position = static_cast<std::int32_t>(percent - m_format.constData());
+  const TCodeUnit* unit = percent + 1;
+  if (unit == end) FailAtEnd(false);
+  if (*unit == u'%') {
+    m_markers.push_back({position, 2, 0});
+    return unit + 1;
+  }
+  int number = FirstDigit(*unit++);
+  while (unit != end && TCType::isDigit(*unit)) number = NextDigit(number, *unit++);
+  if (number <= 0) unit == end ? FailAtEnd(true) : FailBelowOne();
+  m_highestMarker = std::max(m_highestMarker, number);
+  m_markers.push_back({position, static_cast<std::int32_t>(unit - percent), number});
+  return unit;
+}
+
+void TFormatStringCore::append(const TStringCore& a) { m_parameters.push_back(a); }
+
+TFormatStringCore& TFormatStringCore::arg(const TStringCore& a, int fieldWidth, TCodeUnit fill) {
+  if (fieldWidth == 0) {
+    m_parameters.push_back(a);
+    return *this;
+  }
+  return pad(a, fieldWidth, fill);
+}
+
+TFormatStringCore& TFormatStringCore::pad(const TStringCore& a, int fieldWidth, TCodeUnit fill) {
+  if (fieldWidth > 0) {
+    m_parameters.push_back(a.rightJustified(fieldWidth, fill, false));
+  } else {
+    // The lowest width has no positive counterpart; its negation wraps to itself and pads nothing.
+    m_parameters.push_back(a.leftJustified(static_cast<int>(0U - static_cast<unsigned>(fieldWidth)), fill, false));
+  }
+  return *this;
+}
+
+TFormatStringCore& TFormatStringCore::appendNumber(TStringCore&& text, int fieldWidth, TCodeUnit fill) {
+  if (fieldWidth != 0) return pad(text, fieldWidth, fill);
+  m_parameters.push_back(std::move(text));
+  return *this;
+}
+
+TFormatStringCore& TFormatStringCore::arg(short a, int fieldWidth, int base, TCodeUnit fill) {
+  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+}
+TFormatStringCore& TFormatStringCore::arg(unsigned short a, int fieldWidth, int base, TCodeUnit fill) {
+  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+}
+TFormatStringCore& TFormatStringCore::arg(int a, int fieldWidth, int base, TCodeUnit fill) {
+  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+}
+TFormatStringCore& TFormatStringCore::arg(unsigned int a, int fieldWidth, int base, TCodeUnit fill) {
+  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+}
+TFormatStringCore& TFormatStringCore::arg(long a, int fieldWidth, int base, TCodeUnit fill) {
+  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+}
+TFormatStringCore& TFormatStringCore::arg(unsigned long a, int fieldWidth, int base, TCodeUnit fill) {
+  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+}
+TFormatStringCore& TFormatStringCore::arg(long long a, int fieldWidth, int base, TCodeUnit fill) {
+  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+}
+TFormatStringCore& TFormatStringCore::arg(unsigned long long a, int fieldWidth, int base, TCodeUnit fill) {
+  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+}
+
+TFormatStringCore& TFormatStringCore::arg(double a, int fieldWidth, char format, int precision, TCodeUnit fill,
+                                          bool decimalForm) {
+  return appendNumber(TStringCore::number(a, format, precision, decimalForm), fieldWidth, fill);
+}
+
+TFormatStringCore& TFormatStringCore::arg(TCodeUnit a, int fieldWidth, TCodeUnit fill) {
+  return appendNumber(TStringCore(&a, 1), fieldWidth, fill);
+}
+
+TFormatStringCore& TFormatStringCore::arg(const std::vector<TStringCore>& all) {
+  m_parameters = all;
+  return *this;
+}
+
+TStringCore TFormatStringCore::result() const {
+  requireParameters();
+  const int length = resultLength();
+  TStringCore text;
+  text.reserve(length);
+  text.resize(length);
+  expandInto(text.data());
+  return text;
+}
+
+TFormatStringCore::operator TStringCore() const { return result(); }
+
+void TFormatStringCore::requireParameters() const {
+  if (std::ssize(m_parameters) >= m_highestMarker) return;
+  TFormatStringCore message(u"Insufficient parameters to format string (have %1, need %2: format string = \"%3\")");
+  message.arg(static_cast<unsigned long long>(m_parameters.size())).arg(m_highestMarker).arg(m_format);
+  Fail(message.result(), 0x0E2B86FB, "QuillonException_AutoGen_0x0E2B86FB");
+}
+
+// A length beyond the limit of a string comes out as one that no string takes, so that the sum never wraps.
+int TFormatStringCore::resultLength() const {
+  long long length = m_format.length();
+  for (const Marker& marker : m_markers) {
+    length += (marker.number == 0 ? 1 : parameter(marker).length()) - marker.length;
+  }
+  return static_cast<int>(std::min<long long>(length, TStringCore::MaxStringCapacity));
+}
+
+const TStringCore& TFormatStringCore::parameter(const Marker& marker) const {
+  return m_parameters[static_cast<std::size_t>(marker.number - 1)];
+}
+
+void TFormatStringCore::expandInto(TCodeUnit* target) const {
+  const TCodeUnit* const format = m_format.constData();
+  int position = 0;
+  for (const Marker& marker : m_markers) {
+    target = Copy(target, format + position, marker.position - position);
+    if (marker.number == 0) {
+      *target++ = u'%';
+    } else {
+      target = Copy(target, parameter(marker).constData(), parameter(marker).length());
+    }
+    position = marker.position + marker.length;
+  }
+  Copy(target, format + position, m_format.length() - position);
+}
+
+TStringCore TFormatStringCore::formatString() const { return m_format; }
+
+void TFormatStringCore::clearParms() { m_parameters.clear(); }
+
+TFormatStringCore& TFormatStringCore::args() { return *this; }
