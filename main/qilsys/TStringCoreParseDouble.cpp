@@ -1,4 +1,5 @@
 // Text to floating-point numbers.
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <limits>
@@ -25,9 +26,14 @@ TStringCore Normalized(const TStringCore& string) {
   while (length > 0 && TCType::isSpace(text[length - 1])) --length;
   int start = 0;
   while (start < length && TCType::isSpace(text[start])) ++start;
-  TStringCore copy(text + start, length - start);
-  copy.toLower();
-  return copy;
+  return TStringCore(text + start, length - start).toLower();
+}
+
+// Walks over `name`, which is ASCII, where the text starts with it.
+bool TakeName(View& text, std::string_view name) {
+  if (!std::equal(name.begin(), name.end(), text.begin(), text.begin() + std::min(name.size(), text.size()))) return false;
+  text.remove_prefix(name.size());
+  return true;
 }
 
 // The value of a special text by what is left of it. Anything left makes it no number; unless white space comes
@@ -40,30 +46,23 @@ double SpecialValue(double value, View rest, bool* ok) {
   return 0;
 }
 
-View AfterInfinity(View rest) {
-  for (const View tail : {View(u".0"), View(u"inity")}) {
-    if (rest.starts_with(tail)) return rest.substr(tail.size());
-  }
-  return rest;
+double Infinity(bool negative, View rest, bool* ok) {
+  if (!TakeName(rest, ".0")) TakeName(rest, "inity");
+  const double infinity = std::numeric_limits<double>::infinity();
+  return SpecialValue(negative ? -infinity : infinity, rest, ok);
 }
 
-View AfterNanName(View rest) {
+double NotANumber(View rest, bool* ok) {
   while (!rest.empty() && (TCType::isAlnum(rest.front()) || rest.front() == u'_')) rest.remove_prefix(1);
-  return rest;
+  return SpecialValue(std::numeric_limits<double>::quiet_NaN(), rest, ok);
 }
 
 // Reads "inf" and "nan" with what may follow them; nothing if the text is neither.
 std::optional<double> ParseSpecialDouble(View text, bool* ok) {
-  const bool negative = text.starts_with(u'-');
-  if (negative || text.starts_with(u'+')) text.remove_prefix(1);
-  const View rest = text.substr(std::min<std::size_t>(3, text.size()));
-  if (text.starts_with(View(u"inf"))) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    return SpecialValue(negative ? -infinity : infinity, AfterInfinity(rest), ok);
-  }
-  if (text.starts_with(View(u"nan"))) {
-    return SpecialValue(std::numeric_limits<double>::quiet_NaN(), AfterNanName(rest), ok);
-  }
+  const bool negative = TakeName(text, "-");
+  if (!negative) TakeName(text, "+");
+  if (TakeName(text, "inf")) return Infinity(negative, text, ok);
+  if (TakeName(text, "nan")) return NotANumber(text, ok);
   return std::nullopt;
 }
 
