@@ -31,7 +31,8 @@ TStringCore Normalized(const TStringCore& string) {
 
 // Walks over `name`, which is ASCII, where the text starts with it.
 bool TakeName(View& text, std::string_view name) {
-  if (!std::equal(name.begin(), name.end(), text.begin(), text.begin() + std::min(name.size(), text.size()))) return false;
+  if (!std::equal(name.begin(), name.end(), text.begin(), text.begin() + std::min(name.size(), text.size())))
+    return false;
   text.remove_prefix(name.size());
   return true;
 }

@@ -50,9 +50,9 @@ TEST(IntegerText, CountsDigitsAtEveryPowerOfTwo) {
 TEST(IntegerText, WritesLimitsInEveryBase) {
   for (int base = 2; base <= 64; base = base == 36 ? 64 : base + 1) {
     const auto width = static_cast<unsigned>(base);
-    for (const std::uint64_t value : {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{width - 1}, std::uint64_t{width},
-                                      std::uint64_t{width} * width - 1, std::uint64_t{width} * width,
-                                      std::uint64_t{1} << 63, ~std::uint64_t{0}}) {
+    for (const std::uint64_t value :
+         {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{width - 1}, std::uint64_t{width},
+          std::uint64_t{width} * width - 1, std::uint64_t{width} * width, std::uint64_t{1} << 63, ~std::uint64_t{0}}) {
       EXPECT_EQ(Digits(value, base), NaiveDigits(value, base)) << base;
     }
   }

@@ -154,7 +154,9 @@ TEST(LeftDoubleLengthLimits, StopAtTheGivenLengthOrNul) {
 // The state table itself, one state after the other.
 int Model(const std::u16string& text) {
   const int end = static_cast<int>(text.size());
-  const auto digit = [&](int at) { return text[static_cast<std::size_t>(at)] >= u'0' && text[static_cast<std::size_t>(at)] <= u'9'; };
+  const auto digit = [&](int at) {
+    return text[static_cast<std::size_t>(at)] >= u'0' && text[static_cast<std::size_t>(at)] <= u'9';
+  };
   int at = 0;
   int state = 0;
   int integerDigits = 0;
