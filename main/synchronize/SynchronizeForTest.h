@@ -21,4 +21,5 @@ struct SynchronizeForTest {
   static unsigned int WaitingWriters(TReadWriteLock& lock);
   /// True once a thread sleeps on the lock, or is about to.
   static bool IsContended(const TRecursiveMutex& mutex);
+  static bool IsContended(const TReadWriteLock& lock);
 };

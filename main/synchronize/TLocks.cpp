@@ -88,3 +88,5 @@ void TReadWriteLock::UnlockRead() {
 unsigned int SynchronizeForTest::WaitingWriters(TReadWriteLock& lock) { return lock.m_impl->m_cv.SleepersForTest(); }
 
 bool SynchronizeForTest::IsContended(const TRecursiveMutex& mutex) { return mutex.m_section->IsContendedForTest(); }
+
+bool SynchronizeForTest::IsContended(const TReadWriteLock& lock) { return lock.m_impl->m_section.IsContendedForTest(); }
