@@ -1,0 +1,138 @@
+#include "synchronize/TEventBase.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "qilsys/TSystem.h"
+#include "support/CaughtAssertion.h"
+#include "support/Eventually.h"
+#include "synchronize/Futex_platform.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using qilsys::synchronize::FailFutexWaitsForTest;
+using qilsys::test::CatchAssertion;
+using qilsys::test::CaughtAssertion;
+using qilsys::test::Eventually;
+using qilsys::test::ScopedAssertHook;
+using Kind = TPlatformEvent::Kind;
+
+std::string TextOf(int error) {
+  errno = error;
+  return TSystem::GetLastErrorString().toStdString();
+}
+
+struct KindCase {
+  const char* m_name;
+  Kind m_kind;
+};
+
+class TPlatformEventTest : public testing::TestWithParam<KindCase> {};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, TPlatformEventTest,
+                         testing::Values(KindCase{"ManualReset", Kind::ManualReset},
+                                         KindCase{"AutoReset", Kind::AutoReset}),
+                         [](const auto& row) { return std::string(row.param.m_name); });
+
+TEST_P(TPlatformEventTest, IsUnsetAtFirst) {
+  TPlatformEvent event(GetParam().m_kind);
+  EXPECT_FALSE(event.Wait(0));
+}
+
+TEST_P(TPlatformEventTest, AutoResetTakesTheSignalWithAPollToo) {
+  TPlatformEvent event(GetParam().m_kind);
+  EXPECT_TRUE(event.Set());
+  EXPECT_TRUE(event.Wait(0));
+  EXPECT_EQ(event.Wait(0), GetParam().m_kind == Kind::ManualReset);
+}
+
+TEST_P(TPlatformEventTest, ResetTakesAStoredSignalBack) {
+  TPlatformEvent event(GetParam().m_kind);
+  EXPECT_TRUE(event.Set());
+  EXPECT_TRUE(event.Reset());
+  EXPECT_FALSE(event.Wait(1));
+}
+
+// Under a memory or thread checker this is what shows that a set touches nothing after it has released the waiter.
+TEST_P(TPlatformEventTest, TheWaiterThatASetHasReleasedMayDestroyTheEvent) {
+  for (int round = 0; round < 200; ++round) {
+    auto owned = std::make_unique<TPlatformEvent>(GetParam().m_kind);
+    TPlatformEvent* const event = owned.get();
+    std::jthread waiter([mine = std::move(owned)]() mutable {
+      mine->Wait(TPlatformEvent::s_noLimit);
+      mine.reset();
+    });
+    if (round % 2 == 0) {
+      EXPECT_TRUE(Eventually([&] { return event->WaitersForTest() == 1; }));
+    }
+    EXPECT_TRUE(event->Set());
+  }
+}
+
+TEST_P(TPlatformEventTest, AWaitThatTheSystemRefusesIsFalse) {
+  TPlatformEvent event(GetParam().m_kind);
+  FailFutexWaitsForTest(EPERM);
+  const bool limited = event.Wait(1000000);
+  const bool unlimited = event.Wait(TPlatformEvent::s_noLimit);
+  FailFutexWaitsForTest(0);
+  EXPECT_FALSE(limited);
+  EXPECT_FALSE(unlimited);
+  EXPECT_EQ(event.WaitersForTest(), 0u);
+}
+
+TEST(TEventBase, AWaitWithoutLimitIsFalseAndRaisesNothingWhereTheSystemRefuses) {
+  TEventBase base(Kind::ManualReset);
+  FailFutexWaitsForTest(EPERM);
+  const bool result = base.Wait();
+  FailFutexWaitsForTest(0);
+  EXPECT_FALSE(result);
+}
+
+TEST(TEventBase, SignalOfAnEventThatCouldNotBeCreatedIsAnAssertionAndRunsNoCallback) {
+  TEventBase base(TPlatformEvent::NotCreated);
+  int calls = 0;
+  base.AddOnSignalCallback(nullptr, [&] { ++calls; });
+  const CaughtAssertion expected{"main/synchronize/TEventBase_win", 51,
+                                 "SetEvent() failed with error: " + TextOf(EBADF), 0xF2C0F1A4,
+                                 "LogicException_LogicAssert_0xF2C0F1A4"};
+  EXPECT_EQ(CatchAssertion([&] { base.Signal(); }), expected);
+  const ScopedAssertHook returning([](const char*, int, const char*, const QuillonError&) {});
+  base.Signal();
+  EXPECT_EQ(calls, 0);
+}
+
+TEST(TEventBase, ResetOfAnEventThatCouldNotBeCreatedIsAnAssertion) {
+  TEventBase base(TPlatformEvent::NotCreated);
+  const CaughtAssertion expected{"main/synchronize/TEventBase_win", 25,
+                                 "ResetEvent() failed with error: " + TextOf(EBADF), 0x6BBE359A,
+                                 "LogicException_LogicAssert_0x6BBE359A"};
+  EXPECT_EQ(CatchAssertion([&] { base.Reset(); }), expected);
+}
+
+TEST(TEventBase, WaitsForAnEventThatCouldNotBeCreatedAreFalse) {
+  TEventBase base(TPlatformEvent::NotCreated);
+  EXPECT_FALSE(base.IsSet());
+  EXPECT_FALSE(base.Wait());
+  EXPECT_FALSE(base.Wait(1000000ms));
+}
+
+TEST(TEventBase, WithoutAHookAFailureIsALogicException) {
+  TEventBase base(TPlatformEvent::NotCreated);
+  try {
+    base.Signal();
+    FAIL() << "must raise";
+  } catch (const LogicException& e) {
+    EXPECT_EQ(e.GetErrorCode(), 0xA2BCBC42u);
+    EXPECT_EQ(e.GetInternalMessage().toStdString(),
+              "LogicAssert failed (but no hook has been set) at main/synchronize/TEventBase_win line 51: "
+              "SetEvent() failed with error: " +
+                  TextOf(EBADF));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,564 @@
+#include "qilsys/TEvent.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <latch>
+#include <thread>
+#include <vector>
+
+#include "EventKinds.h"
+#include "support/CaughtAssertion.h"
+#include "support/Eventually.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using qilsys::test::CatchAssertion;
+using qilsys::test::CaughtAssertion;
+using qilsys::test::EventKind;
+using qilsys::test::Eventually;
+using qilsys::test::ModelEvent;
+using qilsys::test::ScopedAssertHook;
+using qilsys::test::Waiters;
+using std::chrono::milliseconds;
+
+// ---- What holds for every event ----
+
+template <class Event>
+class EveryEventTest : public testing::Test {
+ protected:
+  // Starts a thread that waits as `wait` says, and returns once the event counts it.
+  template <class WaitFunction>
+  std::jthread StartWaiter(WaitFunction wait) {
+    const unsigned int before = Waiters(*m_kind);
+    std::jthread thread([this, wait] { m_released += wait(*m_kind) ? 1 : 0; });
+    EXPECT_TRUE(Eventually([&] { return Waiters(*m_kind) == before + 1; }));
+    return thread;
+  }
+  std::jthread StartWaiter() {
+    return StartWaiter([](const IEvent& event) { return event.Wait(); });
+  }
+
+  EventKind<Event> m_kind;
+  std::atomic<int> m_released{0};
+};
+
+using EveryEvent = testing::Types<TEvent, TAutoResetEvent, TCountdownEvent, TCancelEvent, ModelEvent>;
+TYPED_TEST_SUITE(EveryEventTest, EveryEvent);
+
+TYPED_TEST(EveryEventTest, StartsUnset) {
+  EXPECT_FALSE((*this->m_kind).IsSet());
+  EXPECT_FALSE((*this->m_kind).Wait(0ms));
+}
+
+TYPED_TEST(EveryEventTest, ASignalSetsIt) {
+  const IEvent& event = *this->m_kind;
+  event.Signal();
+  EXPECT_TRUE(event.IsSet());
+  EXPECT_EQ(event.IsSet(), !this->m_kind.s_takesSignal);
+}
+
+TYPED_TEST(EveryEventTest, EveryFormOfWaitTreatsTheSignalAlike) {
+  for (const milliseconds timeout : {0ms, 1ms, 1000000ms, milliseconds(0xFFFFFFFF)}) {
+    const IEvent& event = *this->m_kind;
+    event.Reset();
+    event.Signal();
+    EXPECT_TRUE(event.Wait(timeout)) << timeout.count();
+    EXPECT_EQ(event.Wait(0ms), !this->m_kind.s_takesSignal) << timeout.count();
+  }
+}
+
+TYPED_TEST(EveryEventTest, AWaitWithoutLimitIsTrueAtOnceWhenSet) {
+  const IEvent& event = *this->m_kind;
+  event.Signal();
+  EXPECT_TRUE(event.Wait());
+  EXPECT_EQ(event.IsSet(), !this->m_kind.s_takesSignal);
+}
+
+TYPED_TEST(EveryEventTest, ResetUnsetsIt) {
+  const IEvent& event = *this->m_kind;
+  event.Signal();
+  event.Reset();
+  EXPECT_FALSE(event.IsSet());
+  event.Reset();
+  EXPECT_FALSE(event.IsSet());
+}
+
+TYPED_TEST(EveryEventTest, TimeRunsOutNotTooSoonAndLeavesNoWaiter) {
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_FALSE((*this->m_kind).Wait(15ms));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, 15ms);
+  EXPECT_EQ(Waiters(*this->m_kind), 0u);
+}
+
+TYPED_TEST(EveryEventTest, ASignalReleasesAThreadThatWaits) {
+  {
+    const std::jthread thread = this->StartWaiter();
+    (*this->m_kind).Signal();
+  }
+  EXPECT_EQ(this->m_released, 1);
+  EXPECT_EQ((*this->m_kind).IsSet(), !this->m_kind.s_takesSignal);
+}
+
+// Values that a careless narrowing would turn into a short wait.
+TYPED_TEST(EveryEventTest, FromTheLimitUpwardsThereIsNoLimit) {
+  for (const milliseconds timeout : {milliseconds(0xFFFFFFFF), milliseconds(0x100000000), milliseconds(0x100000001),
+                                     milliseconds(0x7FFFFFFFFFFFFFFF)}) {
+    (*this->m_kind).Reset();
+    this->m_released = 0;
+    {
+      const std::jthread thread = this->StartWaiter([timeout](const IEvent& event) { return event.Wait(timeout); });
+      (*this->m_kind).Signal();
+    }
+    EXPECT_EQ(this->m_released, 1) << timeout.count();
+  }
+}
+
+TYPED_TEST(EveryEventTest, JustBelowTheLimitItWaits) {
+  {
+    const std::jthread thread =
+        this->StartWaiter([](const IEvent& event) { return event.Wait(milliseconds(0xFFFFFFFE)); });
+    (*this->m_kind).Signal();
+  }
+  EXPECT_EQ(this->m_released, 1);
+}
+
+TYPED_TEST(EveryEventTest, ASetFollowedAtOnceByAResetReleasesThoseThatWait) {
+  std::vector<std::jthread> threads;
+  for (int i = 0; i < 3; ++i) {
+    threads.push_back(this->StartWaiter());
+  }
+  const int expected = this->m_kind.s_takesSignal ? 1 : 3;
+  (*this->m_kind).Signal();
+  (*this->m_kind).Reset();
+  EXPECT_TRUE(Eventually([&] { return this->m_released == expected; }));
+  EXPECT_FALSE((*this->m_kind).IsSet());
+  while (Waiters(*this->m_kind) != 0) {
+    (*this->m_kind).Signal();
+    (*this->m_kind).Reset();
+  }
+}
+
+TYPED_TEST(EveryEventTest, WhatWasWrittenBeforeTheSignalIsSeenAfterTheWait) {
+  int written = 0;
+  int seen = 0;
+  {
+    const std::jthread thread = this->StartWaiter([&](const IEvent& event) {
+      const bool result = event.Wait();
+      seen = written;
+      return result;
+    });
+    written = 42;
+    (*this->m_kind).Signal();
+  }
+  EXPECT_EQ(seen, 42);
+}
+
+TYPED_TEST(EveryEventTest, CallbacksRunOnTheSignallingThreadBeforeSignalReturns) {
+  int key = 0;
+  std::thread::id where;
+  (*this->m_kind).AddOnSignalCallback(&key, [&] { where = std::this_thread::get_id(); });
+  (*this->m_kind).Signal();
+  EXPECT_EQ(where, std::this_thread::get_id());
+}
+
+TYPED_TEST(EveryEventTest, WaitersAreReleasedBeforeCallbacksRun) {
+  int key = 0;
+  bool wasReleased = false;
+  const std::jthread thread = this->StartWaiter();
+  (*this->m_kind).AddOnSignalCallback(&key, [&] { wasReleased = Eventually([&] { return this->m_released == 1; }); });
+  (*this->m_kind).Signal();
+  EXPECT_TRUE(wasReleased);
+}
+
+TYPED_TEST(EveryEventTest, CallbacksStayAndRunAgain) {
+  int key = 0;
+  int calls = 0;
+  (*this->m_kind).AddOnSignalCallback(&key, [&] { ++calls; });
+  (*this->m_kind).Signal();
+  (*this->m_kind).Signal();
+  EXPECT_EQ(calls, this->m_kind.s_everySignalCounts ? 2 : 1);
+}
+
+TYPED_TEST(EveryEventTest, EveryKeyHasItsCallback) {
+  int keys[3] = {};
+  int calls = 0;
+  for (int& key : keys) {
+    (*this->m_kind).AddOnSignalCallback(&key, [&] { ++calls; });
+  }
+  (*this->m_kind).AddOnSignalCallback(nullptr, [&] { ++calls; });
+  (*this->m_kind).Signal();
+  EXPECT_EQ(calls, 4);
+}
+
+TYPED_TEST(EveryEventTest, TheLastRegistrationUnderAKeyWins) {
+  int key = 0;
+  int first = 0;
+  int second = 0;
+  (*this->m_kind).AddOnSignalCallback(&key, [&] { ++first; });
+  (*this->m_kind).AddOnSignalCallback(&key, [&] { ++second; });
+  (*this->m_kind).Signal();
+  EXPECT_EQ(first, 0);
+  EXPECT_EQ(second, 1);
+}
+
+TYPED_TEST(EveryEventTest, RegisteringOnASetEventRunsNothing) {
+  int key = 0;
+  int calls = 0;
+  (*this->m_kind).Signal();
+  (*this->m_kind).AddOnSignalCallback(&key, [&] { ++calls; });
+  EXPECT_EQ(calls, 0);
+}
+
+TYPED_TEST(EveryEventTest, ARemovedCallbackRunsNoMoreAndAnUnknownKeyIsNothing) {
+  int key = 0;
+  int unknown = 0;
+  int calls = 0;
+  (*this->m_kind).AddOnSignalCallback(&key, [&] { ++calls; });
+  (*this->m_kind).RemoveOnSignalCallback(&unknown);
+  (*this->m_kind).RemoveOnSignalCallback(&key);
+  (*this->m_kind).RemoveOnSignalCallback(&key);
+  (*this->m_kind).Signal();
+  EXPECT_EQ(calls, 0);
+}
+
+TYPED_TEST(EveryEventTest, ResetAndWaitRunNoCallback) {
+  int key = 0;
+  int calls = 0;
+  (*this->m_kind).AddOnSignalCallback(&key, [&] { ++calls; });
+  (*this->m_kind).Reset();
+  (*this->m_kind).Wait(0ms);
+  EXPECT_EQ(calls, 0);
+}
+
+TYPED_TEST(EveryEventTest, ACallbackMaySignalTheSameEvent) {
+  int key = 0;
+  int calls = 0;
+  (*this->m_kind).AddOnSignalCallback(&key, [&] {
+    if (++calls < 3) {
+      (*this->m_kind).Signal();
+    }
+  });
+  (*this->m_kind).Signal();
+  EXPECT_EQ(calls, this->m_kind.s_everySignalCounts ? 3 : 1);
+}
+
+TYPED_TEST(EveryEventTest, AnEmptyFunctionRaisesOutOfSignalAndReleasesTheLock) {
+  int key = 0;
+  (*this->m_kind).AddOnSignalCallback(&key, nullptr);
+  EXPECT_THROW((*this->m_kind).Signal(), std::bad_function_call);
+  EXPECT_TRUE((*this->m_kind).IsSet());
+  std::jthread([&] { (*this->m_kind).RemoveOnSignalCallback(&key); }).join();
+  (*this->m_kind).Reset();
+  EXPECT_NO_THROW((*this->m_kind).Signal());
+}
+
+TYPED_TEST(EveryEventTest, RemovingWaitsForACallbackThatRuns) {
+  int key = 0;
+  std::latch isRunning(1);
+  std::atomic<bool> mayEnd{false};
+  std::atomic<bool> hasEnded{false};
+  (*this->m_kind).AddOnSignalCallback(&key, [&] {
+    isRunning.count_down();
+    Eventually([&] { return mayEnd.load(); });
+    hasEnded = true;
+  });
+  std::jthread signaller([&] { (*this->m_kind).Signal(); });
+  isRunning.wait();
+  std::atomic<bool> endedFirst{false};
+  std::jthread remover([&] {
+    (*this->m_kind).RemoveOnSignalCallback(&key);
+    endedFirst = hasEnded.load();
+  });
+  mayEnd = true;
+  remover.join();
+  EXPECT_TRUE(endedFirst);
+}
+
+// ---- The library's own kinds ----
+
+template <class Event>
+class LibraryEventTest : public EveryEventTest<Event> {};
+
+using LibraryEvent = testing::Types<TEvent, TAutoResetEvent, TCountdownEvent, TCancelEvent>;
+TYPED_TEST_SUITE(LibraryEventTest, LibraryEvent);
+
+TYPED_TEST(LibraryEventTest, ANegativeTimeIsAnAssertion) {
+  const CaughtAssertion expected{"main/synchronize/TEventBase_win", 64, "timeout.count() >= 0", 0x65AA68CA,
+                                 "LogicException_LogicAssert_0x65AA68CA"};
+  EXPECT_EQ(CatchAssertion([&] { (*this->m_kind).Wait(-1ms); }), expected);
+  EXPECT_EQ(CatchAssertion([&] { (*this->m_kind).Wait(milliseconds::min()); }), expected);
+}
+
+TYPED_TEST(LibraryEventTest, ANegativeTimeIsFalseWhereTheHookReturns) {
+  const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) {});
+  (*this->m_kind).Signal();
+  EXPECT_FALSE((*this->m_kind).Wait(-1ms));
+}
+
+TYPED_TEST(LibraryEventTest, IsNotCopied) {
+  EXPECT_FALSE(std::is_copy_constructible_v<TypeParam>);
+  EXPECT_FALSE(std::is_copy_assignable_v<TypeParam>);
+}
+
+TEST(TEvent, CanStartSet) {
+  EXPECT_TRUE(TEvent(true).IsSet());
+  EXPECT_FALSE(TEvent(false).IsSet());
+}
+
+TEST(TEvent, IsOnePointerBesideItsTable) {
+  EXPECT_EQ(sizeof(TEvent), 2 * sizeof(void*));
+  EXPECT_EQ(sizeof(TCountdownEvent), 2 * sizeof(void*));
+}
+
+// ---- Auto reset ----
+
+class TAutoResetEventTest : public EveryEventTest<TAutoResetEvent> {};
+
+TEST_F(TAutoResetEventTest, TwoSignalsBackToBackReleaseTwoWaiters) {
+  {
+    const std::jthread first = StartWaiter();
+    const std::jthread second = StartWaiter();
+    (*m_kind).Signal();
+    (*m_kind).Signal();
+  }
+  EXPECT_EQ(m_released, 2);
+  EXPECT_FALSE((*m_kind).IsSet());
+}
+
+TEST_F(TAutoResetEventTest, OneSignalReleasesTheThreadThatHasWaitedLongest) {
+  std::atomic<int> firstReleased{0};
+  std::jthread first = StartWaiter([&](const IEvent& event) {
+    const bool result = event.Wait();
+    firstReleased = 1;
+    return result;
+  });
+  std::jthread second = StartWaiter();
+  (*m_kind).Signal();
+  EXPECT_EQ(Waiters(*m_kind), 1u);
+  first.join();
+  EXPECT_EQ(firstReleased, 1);
+  EXPECT_EQ(m_released, 1);
+  (*m_kind).Signal();
+}
+
+TEST_F(TAutoResetEventTest, ASignalThatWentToAWaiterCannotBeTakenByAnother) {
+  const std::jthread thread = StartWaiter();
+  (*m_kind).Signal();
+  EXPECT_FALSE((*m_kind).IsSet());
+}
+
+TEST_F(TAutoResetEventTest, SignalsWithoutAWaiterAreOne) {
+  (*m_kind).Signal();
+  (*m_kind).Signal();
+  EXPECT_TRUE((*m_kind).Wait(0ms));
+  EXPECT_FALSE((*m_kind).Wait(0ms));
+}
+
+// ---- Countdown ----
+
+TEST(TCountdownEvent, IsSetByTheSignalThatReachesZero) {
+  const TCountdownEvent event(2);
+  event.Signal();
+  EXPECT_FALSE(event.IsSet());
+  event.Signal();
+  EXPECT_TRUE(event.IsSet());
+}
+
+TEST(TCountdownEvent, StaysSetAfterOneSignalTooMany) {
+  const TCountdownEvent event(2);
+  int key = 0;
+  int calls = 0;
+  event.AddOnSignalCallback(&key, [&] { ++calls; });
+  for (int i = 0; i < 3; ++i) {
+    event.Signal();
+  }
+  EXPECT_TRUE(event.IsSet());
+  EXPECT_EQ(calls, 1);
+}
+
+TEST(TCountdownEvent, ResetRestoresTheCount) {
+  const TCountdownEvent event(2);
+  event.Signal();
+  event.Reset();
+  event.Signal();
+  EXPECT_FALSE(event.IsSet());
+  event.Signal();
+  EXPECT_TRUE(event.IsSet());
+  event.Reset();
+  EXPECT_FALSE(event.IsSet());
+  event.Signal();
+  EXPECT_FALSE(event.IsSet());
+}
+
+TEST(TCountdownEvent, OfZeroStartsUnsetAndWraps) {
+  const TCountdownEvent event(0);
+  EXPECT_FALSE(event.IsSet());
+  event.Signal();
+  EXPECT_FALSE(event.IsSet());
+  event.Signal();
+  EXPECT_FALSE(event.IsSet());
+}
+
+// ---- Cancel events ----
+
+using CancelPtr = RefCntPtr<TCancelEvent>;
+
+CancelPtr MakeCancel() { return CancelPtr(new TCancelEvent); }
+
+TEST(TCancelEvent, SignalsItsChildrenDownTheTree) {
+  const CancelPtr parent = MakeCancel();
+  const CancelPtr child = MakeCancel();
+  const CancelPtr grandchild = MakeCancel();
+  const CancelPtr other = MakeCancel();
+  child->Add(grandchild);
+  parent->Add(child);
+  parent->Add(other);
+  child->Signal();
+  EXPECT_FALSE(parent->IsSet());
+  EXPECT_TRUE(grandchild->IsSet());
+  EXPECT_FALSE(other->IsSet());
+  parent->Signal();
+  EXPECT_TRUE(other->IsSet());
+}
+
+TEST(TCancelEvent, RunsItsOwnCallbacksFirstAndThenItsChildrenByAddress) {
+  const CancelPtr parent = MakeCancel();
+  std::vector<CancelPtr> children{MakeCancel(), MakeCancel(), MakeCancel()};
+  std::vector<const TCancelEvent*> order;
+  parent->AddOnSignalCallback(nullptr, [&] { order.push_back(parent.get()); });
+  for (auto child = children.rbegin(); child != children.rend(); ++child) {
+    parent->Add(*child);
+    (*child)->AddOnSignalCallback(nullptr, [&order, event = child->get()] { order.push_back(event); });
+  }
+  parent->Signal();
+  std::sort(children.begin(), children.end());
+  ASSERT_EQ(order.size(), 4u);
+  EXPECT_EQ(order.front(), parent.get());
+  EXPECT_TRUE(std::equal(children.begin(), children.end(), order.begin() + 1,
+                         [](const CancelPtr& child, const TCancelEvent* event) { return child.get() == event; }));
+}
+
+TEST(TCancelEvent, AddToASetParentSignalsTheChildBeforeItReturns) {
+  const CancelPtr parent = MakeCancel();
+  const CancelPtr child = MakeCancel();
+  parent->Signal();
+  parent->Add(child);
+  EXPECT_TRUE(child->IsSet());
+  child->Reset();
+  parent->Signal();
+  EXPECT_TRUE(child->IsSet()) << "the child must have stayed in the set";
+}
+
+TEST(TCancelEvent, ResetLeavesChildrenSet) {
+  const CancelPtr parent = MakeCancel();
+  const CancelPtr child = MakeCancel();
+  parent->Add(child);
+  parent->Signal();
+  parent->Reset();
+  EXPECT_FALSE(parent->IsSet());
+  EXPECT_TRUE(child->IsSet());
+}
+
+TEST(TCancelEvent, RemoveLeavesTheChildAsItIs) {
+  const CancelPtr parent = MakeCancel();
+  const CancelPtr unsetChild = MakeCancel();
+  const CancelPtr setChild = MakeCancel();
+  parent->Add(unsetChild);
+  parent->Add(setChild);
+  setChild->Signal();
+  parent->Remove(unsetChild);
+  parent->Remove(setChild);
+  parent->Signal();
+  EXPECT_FALSE(unsetChild->IsSet());
+  EXPECT_TRUE(setChild->IsSet());
+}
+
+TEST(TCancelEvent, OwnsOneReferenceToEachChild) {
+  const CancelPtr child = MakeCancel();
+  {
+    const CancelPtr parent = MakeCancel();
+    parent->Add(child);
+    EXPECT_EQ(child->UseCount(), 2);
+    parent->Remove(child);
+    EXPECT_EQ(child->UseCount(), 1);
+    parent->Add(child);
+    parent->Signal();
+    EXPECT_EQ(child->UseCount(), 2);
+    child->Reset();
+  }
+  EXPECT_EQ(child->UseCount(), 1);
+  EXPECT_FALSE(child->IsSet()) << "a parent that goes signals nobody";
+}
+
+TEST(TCancelEvent, ADuplicateChildIsAnAssertionAndLeavesTheSetAsItWas) {
+  const CancelPtr parent = MakeCancel();
+  const CancelPtr child = MakeCancel();
+  parent->Add(child);
+  EXPECT_EQ(CatchAssertion([&] { parent->Add(child); }),
+            (CaughtAssertion{"main/synchronize/TEvent", 94, "Attempted to insert duplicate event.", 0x8DB0B7A4,
+                             "LogicException_LogicAssert_0x8DB0B7A4"}));
+  EXPECT_EQ(child->UseCount(), 2);
+  std::jthread([&] { parent->Remove(child); }).join();  // The lock was released on the way out.
+  EXPECT_EQ(child->UseCount(), 1);
+}
+
+TEST(TCancelEvent, AnAbsentChildIsAnAssertionAndLeavesTheSetAsItWas) {
+  const CancelPtr parent = MakeCancel();
+  const CancelPtr child = MakeCancel();
+  const CancelPtr absent = MakeCancel();
+  parent->Add(child);
+  EXPECT_EQ(CatchAssertion([&] { parent->Remove(absent); }),
+            (CaughtAssertion{"main/synchronize/TEvent", 106, "it != m_childEvents.end()", 0xE1DDA3CC,
+                             "LogicException_LogicAssert_0xE1DDA3CC"}));
+  std::jthread([&] { parent->Signal(); }).join();
+  EXPECT_TRUE(child->IsSet());
+  EXPECT_FALSE(absent->IsSet());
+}
+
+TEST(TCancelEvent, AnAbsentChildIsLetBeWhereTheHookReturns) {
+  const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) {});
+  const CancelPtr parent = MakeCancel();
+  parent->Remove(MakeCancel());
+}
+
+TEST(TCancelEvent, ANullChildIsAnAssertionOutOfTheWalk) {
+  const CancelPtr parent = MakeCancel();
+  parent->Add(nullptr);
+  const CaughtAssertion caught = CatchAssertion([&] { parent->Signal(); });
+  EXPECT_EQ(caught, (CaughtAssertion{"public/qilsys/ReferenceCount", 340, "Null pointer dereferenced", 0x00BF554A,
+                                     "LogicException_LogicAssert_0x00BF554A"}));
+  EXPECT_TRUE(parent->IsSet());
+  std::jthread([&] { parent->Remove(nullptr); }).join();
+}
+
+TEST(TCancelEvent, AChildMayTakeItselfOutWhileItIsSignalled) {
+  const CancelPtr parent = MakeCancel();
+  std::vector<CancelPtr> children{MakeCancel(), MakeCancel(), MakeCancel()};
+  for (const CancelPtr& child : children) {
+    parent->Add(child);
+    child->AddOnSignalCallback(nullptr, [&parent, event = child.get()] { parent->Remove(event); });
+  }
+  parent->Signal();
+  for (const CancelPtr& child : children) {
+    EXPECT_TRUE(child->IsSet());
+    EXPECT_EQ(child->UseCount(), 1);
+  }
+}
+
+TEST(TCancelEvent, MayBeLetGoByTheWaiterThatItWoke) {
+  CancelPtr signallers = MakeCancel();
+  std::jthread waiter([waiters = signallers]() mutable {
+    waiters->Wait();
+    waiters.reset();
+  });
+  ASSERT_TRUE(Eventually([&] { return Waiters(*signallers) == 1; }));
+  signallers->Signal();
+  signallers.reset();
+}
+
+TEST(TCancelEvent, IsDestroyedByItsLastReferenceOnly) { EXPECT_FALSE(std::is_destructible_v<TCancelEvent>); }
+
+}  // namespace
