@@ -31,6 +31,8 @@ struct ThreadMemoryCounters {
 
 }  // namespace quillon::memory
 
+extern "C" {
+
 /// `malloc`, counted. Null where the heap gives null.
 QILSYS_API void* TMalloc(std::size_t size);
 /// `malloc(count * size)`, counted. The memory is NOT zeroed and the product is not checked for overflow.
@@ -45,6 +47,8 @@ QILSYS_API void TTrackMalloc(void* block);
 QILSYS_API void TTrackPostRealloc(void* block);
 QILSYS_API void TTrackPreRealloc(void* block);
 QILSYS_API void TTrackFree(void* block);
+
+}  // extern "C"
 
 /// True once a redirected heap calls the TTrack functions itself: the entry points above then count nothing.
 QILSYS_API extern bool g_redirected;

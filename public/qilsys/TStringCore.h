@@ -539,12 +539,17 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
 
   static constexpr int InlineCapacity = 15;
   static constexpr int MaxInlineLength = 14;
+  static constexpr std::uint32_t BlockHeaderUnits = sizeof(StringBlock) / sizeof(TCodeUnit);
 
   /// Sixteen words, copied as a whole. The pointer to the block overlays the start of `inlineUnits`.
   struct Words {
     alignas(void*) TCodeUnit inlineUnits[InlineCapacity];
     std::int16_t storageState;  // 0 to 14: inline, and this is the length. Negative: in a block.
   };
+
+  static_assert(sizeof(Words) == 32 && offsetof(Words, inlineUnits) == 0 && offsetof(Words, storageState) == 30);
+  static_assert(sizeof(StringBlock) == 12 && offsetof(StringBlock, refCount) == 0 &&
+                offsetof(StringBlock, capacity) == 4 && offsetof(StringBlock, length) == 8);
 
   bool isInline() const noexcept { return m_words.storageState >= 0; }
   StringBlock* blockPointer() const noexcept;
@@ -558,6 +563,7 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   static StringBlock* allocateBlock(int capacity, StringBlock* existing);
   static void setBlockLength(StringBlock* block, int n);
   int nextCapacity(int n, GrowthMode mode) const;
+  static int geometricCapacity(int n);
   void unshareInto(int capacity);
   void detach();
   void promoteToBlock(int capacity);
@@ -568,8 +574,13 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   void _assignHandleSelf(const TCodeUnit* s, int len);
   void appendHandleSelf(const TCodeUnit* s, int len);
   void appendFromSelf(int start, int count);
-  TStringCore& appendUtf8(const char* s, int len);
-  void assignUtf8(const char* s, int len);
+  TStringCore& appendUtf8(const char* s, int len) { return writeUtf8(length(), s, len); }
+  void assignUtf8(const char* s, int len) { writeUtf8(0, s, len); }
+  TStringCore& writeUtf8(int at, const char* s, int len);
+  TStringCore& replaceRange(int pos, int n, const TCodeUnit* s, int len);
+  TStringCore& removeSet(const TCodeUnit* set, int setLen, int start);
+  TStringCore& replaceSet(const TCodeUnit* set, int setLen, TCodeUnit c, int start);
+  TStringCore& removeLeading(int n);
   int getInsertCodeUnitIndex(const CodePointIterator& at) const;
   int toForeignArray(TForeignUnit* target, int capacity) const;
   bool containsInTerminated(const TCodeUnit* needle, CaseSensitivity cs) const;
@@ -580,7 +591,6 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   void constructSlow(const TCodeUnit* s, int len);
   void assignSlow(const TStringCore& other);
   void detachSlow();
-  void clearSlow() noexcept;
   TStringCore& appendUnitSlow(TCodeUnit c);
   static void freeBlock(StringBlock* block) noexcept;
 

@@ -3,11 +3,7 @@
 
 #include "qilsys/TStringCore.h"
 
-#if defined(__GNUC__)
-#define QILSYS_LIKELY(condition) __builtin_expect(static_cast<bool>(condition), 1)
-#else
-#define QILSYS_LIKELY(condition) static_cast<bool>(condition)
-#endif
+static_assert(sizeof(TStringCore) == 32);
 
 // ---- The block
 
@@ -50,11 +46,11 @@ inline TStringCore::TStringCore(const TCodeUnit* s, int len) : m_words{} {
   int n = 0;
   if (len < 0) {
     for (; n < MaxInlineLength && s[n] != 0; ++n) m_words.inlineUnits[n] = s[n];
-    if (QILSYS_LIKELY(s[n] == 0)) {
+    if (s[n] == 0) [[likely]] {
       setInlineLength(n);
       return;
     }
-  } else if (QILSYS_LIKELY(len <= MaxInlineLength)) {
+  } else if (len <= MaxInlineLength) [[likely]] {
     for (; n < len; ++n) m_words.inlineUnits[n] = s[n];
     setInlineLength(n);
     return;
@@ -150,7 +146,7 @@ TCodeUnit& TStringCore::operator[](I i) {
 inline TStringCore& TStringCore::append(TCodeUnit c) {
   if (isInline()) {
     const int n = m_words.storageState;
-    if (QILSYS_LIKELY(n < MaxInlineLength)) {
+    if (n < MaxInlineLength) [[likely]] {
       m_words.inlineUnits[n] = c;
       setInlineLength(n + 1);
       return *this;
@@ -158,7 +154,7 @@ inline TStringCore& TStringCore::append(TCodeUnit c) {
   } else {
     StringBlock* block = blockPointer();
     const int n = block->length;
-    if (QILSYS_LIKELY(n + 1 < block->capacity && references(block) == 1)) {
+    if (n + 1 < block->capacity && references(block) == 1) [[likely]] {
       block->units()[n] = c;
       block->units()[n + 1] = 0;
       block->length = n + 1;

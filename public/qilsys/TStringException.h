@@ -38,7 +38,7 @@ class QILSYS_API TStringCore::CapacityException : public TStringCore::Exception 
   CapacityException(const CapacityException&) = default;
   CapacityException(CapacityException&& other) : Exception(static_cast<const Exception&>(other)) {}
   ~CapacityException() override;
-  CapacityException* Clone() const override;
+  Exception* Clone() const override;
   [[noreturn]] void Throw() const override;
 };
 
@@ -49,6 +49,6 @@ class QILSYS_API TStringCore::OutOfMemoryException : public TStringCore::Excepti
   OutOfMemoryException(const OutOfMemoryException&) = default;
   OutOfMemoryException(OutOfMemoryException&& other) : Exception(static_cast<const Exception&>(other)) {}
   ~OutOfMemoryException() override;
-  OutOfMemoryException* Clone() const override;
+  Exception* Clone() const override;
   [[noreturn]] void Throw() const override;
 };

@@ -1,0 +1,104 @@
+#include "qilsys/CodePoint.h"
+#include "qilsys/TCType.h"
+#include "qilsys/TStringCore.h"
+
+namespace {
+
+/// The first unit of the code point that ends before `end`, the low surrogates behind it counted in; -1 where nothing
+/// but low surrogates is left.
+int LastCodePoint(const TCodeUnit* text, int end) {
+  int first = end - 1;
+  while (first >= 0 && !CodePoint::IsFirstCodeUnit(text[first])) --first;
+  return first;
+}
+
+/// The length that is left once the code points that pass `test(first, units)` are taken from the end.
+template <class Test>
+int LengthWithoutTail(const TStringCore& text, Test test) {
+  const TCodeUnit* units = text.constData();
+  int end = text.length();
+  while (end > 0) {
+    const int first = LastCodePoint(units, end);
+    if (first < 0 || !test(units + first, end - first)) break;
+    end = first;
+  }
+  return end;
+}
+
+int UnitsOfCodePoint(const TCodeUnit* p) {
+  return CodePoint::IsHighSurrogate(p[0]) && CodePoint::IsLowSurrogate(p[1]) ? 2 : 1;
+}
+
+/// Whether the set, which ends at its NUL, has the code point of these units.
+bool SetHolds(const TCodeUnit* set, const TCodeUnit* first, int units) {
+  for (int n = 0; *set != 0; set += n) {
+    n = UnitsOfCodePoint(set);
+    if (n == units && set[0] == first[0] && (n == 1 || set[1] == first[1])) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+TStringCore& TStringCore::trimRight() {
+  return truncate(LengthWithoutTail(*this, [](const TCodeUnit* first, int) { return TCType::isSpace(*first); }));
+}
+
+TStringCore& TStringCore::trimLeft() {
+  const TCodeUnit* units = constData();
+  int from = 0;
+  for (int n = 0; from < length() && TCType::isSpace32(CodePoint::GetCodePoint(units + from, &n)); from += n) {
+  }
+  return removeLeading(from < length() ? from : -1);
+}
+
+TStringCore& TStringCore::trim() { return trimRight().trimLeft(); }
+
+TStringCore& TStringCore::trimRight(TCodeUnit c) {
+  const TCodeUnit* units = constData();
+  int end = length();
+  while (end > 0 && units[end - 1] == c) --end;
+  return truncate(end);
+}
+
+TStringCore& TStringCore::trimLeft(TCodeUnit c) {
+  if (c == 0) return *this;
+  const TCodeUnit* units = constData();
+  int from = 0;
+  while (units[from] == c) ++from;
+  return removeAt(0, from);
+}
+
+TStringCore& TStringCore::trim(TCodeUnit c) { return trimRight(c).trimLeft(c); }
+
+TStringCore& TStringCore::trimRight(const TCodeUnit* set) {
+  if (!set || *set == 0) return *this;
+  if (set[1] == 0) return trimRight(*set);
+  return truncate(
+      LengthWithoutTail(*this, [set](const TCodeUnit* first, int units) { return SetHolds(set, first, units); }));
+}
+
+TStringCore& TStringCore::trimLeft(const TCodeUnit* set) { return removeLeading(findOneNotOf(constData(), set, 0)); }
+
+TStringCore& TStringCore::trim(const TCodeUnit* set) {
+  if (inSelf(set)) return trim(TStringCore(set).constData());
+  return trimRight(set).trimLeft(set);
+}
+
+TStringCore& TStringCore::trimRight(const TStringCore& set) { return trimRight(set.constData()); }
+
+TStringCore& TStringCore::trimLeft(const TStringCore& set) { return removeLeading(findOneNotOf(set, 0)); }
+
+TStringCore& TStringCore::trim(const TStringCore& set) {
+  const TStringCore kept = set;
+  return trimRight(kept).trimLeft(kept);
+}
+
+// A negative number stands for the whole text, whose storage is given up then.
+TStringCore& TStringCore::removeLeading(int n) {
+  if (n < 0) {
+    clear();
+    return *this;
+  }
+  return removeAt(0, n);
+}
