@@ -26,6 +26,13 @@ using std::chrono::milliseconds;
 
 constexpr auto s_noLimit = milliseconds(0xFFFFFFFF);
 
+// Gives the processor away now and then, in the middle of what others must not see half done.
+void Dawdle(SeededRandom& random) {
+  if (random.OneIn(16)) {
+    std::this_thread::yield();
+  }
+}
+
 /// What the threads of one case share.
 class Scenario {
  public:
@@ -84,7 +91,9 @@ class MutexCounts : public Scenario {
     for (int i = 0; i < depth; ++i) {
       Take(random);
     }
-    ++m_guarded;
+    const int before = m_guarded;
+    Dawdle(random);
+    m_guarded = before + 1;
     for (int i = 0; i < depth; ++i) {
       m_mutex.Unlock();
     }
@@ -112,9 +121,10 @@ class ReadersSeeWholeWrites : public Scenario {
 
   void Round(int, SeededRandom& random) override {
     if (random.OneIn(4)) {
-      Write(random.OneIn(3));
+      Write(random);
     } else {
       const TScopedReadLock guard(m_lock);
+      Dawdle(random);
       m_torn += m_first != m_second;
     }
   }
@@ -125,10 +135,11 @@ class ReadersSeeWholeWrites : public Scenario {
   }
 
  private:
-  void Write(bool twice) {
+  void Write(SeededRandom& random) {
     const TScopedLock guard(m_lock);
     ++m_first;
-    if (twice) {
+    Dawdle(random);
+    if (random.OneIn(3)) {
       const TScopedLock again(m_lock);
       const TScopedReadLock within(m_lock);
       m_torn += m_first != m_second + 1;
@@ -155,6 +166,7 @@ class UnitsBoundThreads : public Scenario {
     const unsigned int timeout = random.Between(0u, 1u);
     if (random.OneIn(3) ? m_semaphore->Acquire(timeout) : (m_semaphore->Acquire(), true)) {
       m_tooMany += ++m_inside > s_units;
+      Dawdle(random);
       --m_inside;
       m_semaphore->Release();
     }
@@ -389,14 +401,14 @@ class WaitsForSeveral : public Scenario {
 };
 
 const StressCase s_cases[] = {
-    {"MutexTwoThreads", 2, 100000, Make<MutexCounts>},
+    {"MutexTwoThreads", 2, 10000, Make<MutexCounts>},
     {"MutexEightThreads", 8, 10000, Make<MutexCounts>},
-    {"ReadWriteTwoThreads", 2, 50000, Make<ReadersSeeWholeWrites>},
-    {"ReadWriteEightThreads", 8, 10000, Make<ReadersSeeWholeWrites>},
-    {"SemaphoreSixThreads", 6, 10000, Make<UnitsBoundThreads>},
+    {"ReadWriteTwoThreads", 2, 20000, Make<ReadersSeeWholeWrites>},
+    {"ReadWriteEightThreads", 8, 5000, Make<ReadersSeeWholeWrites>},
+    {"SemaphoreSixThreads", 6, 5000, Make<UnitsBoundThreads>},
     {"PingPong", 2, 5000, Make<PingPong>},
-    {"SignalsAreTakenOnce", 4, 500, Make<SignalsAreTakenOnce>},
-    {"PulsesReleaseAllThatWait", 4, 10000, Make<PulsesReleaseAllThatWait>},
+    {"SignalsAreTakenOnce", 4, 1000, Make<SignalsAreTakenOnce>},
+    {"PulsesReleaseAllThatWait", 4, 5000, Make<PulsesReleaseAllThatWait>},
     {"WaiterDestroysItsEvent", 2, 2000, Make<WaiterDestroysItsEvent>},
     {"CancelEventsComeAndGo", 4, 2000, Make<CancelEventsComeAndGo>},
     {"WaitsForSeveral", 2, 2000, Make<WaitsForSeveral>},
