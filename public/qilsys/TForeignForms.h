@@ -93,9 +93,10 @@ class TForeignForms : public TStringOptions {
                      CaseSensitivity cs = CaseSensitive) {
     if (hayLen < 0) return -1;
     const Source text(hay, hayLen);
-    const Source sought(needle, needleLen < 0 ? 0 : needleLen);
-    return text.ElementIndex(
-        S::findStr(text.data(), text.length(), sought.data(), sought.length(), text.UnitIndex(start), cs));
+    // The first element counts even where the length does not reach it.
+    const Source sought(needle, needleLen < 1 ? 1 : needleLen);
+    return text.ElementIndex(S::findStr(text.data(), text.length(), sought.data(),
+                                        needleLen < 1 ? needleLen : sought.length(), text.UnitIndex(start), cs));
   }
   template <ForeignUnit U>
   static int findStr(const U* hay, int hayLen, const U* needle, int start = 0, CaseSensitivity cs = CaseSensitive) {

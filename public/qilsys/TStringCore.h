@@ -278,7 +278,7 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   /// Backward from `from`, -1 meaning the length; folds whole code points.
   int lastIndexOf(const TStringCore& needle, int from = -1, CaseSensitivity cs = CaseSensitive) const;
   int lastIndexOf(const TCodeUnit* needle, int from = -1, CaseSensitivity cs = CaseSensitive) const;
-  /// The start is not clipped: a `from` above the length is not allowed.
+  /// The scan includes the terminator, so NUL is found at the length; a `from` above the length starts there.
   int lastIndexOf(TCodeUnit c, int from = -1) const;
 
   /// Searches that give the end iterator where nothing is found.
@@ -531,12 +531,6 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
     const TCodeUnit* units() const noexcept { return reinterpret_cast<const TCodeUnit*>(this + 1); }
   };
 
-  /// A field of split(), in units.
-  struct FieldSpan {
-    int offset;
-    int length;
-  };
-
   static constexpr int InlineCapacity = 15;
   static constexpr int MaxInlineLength = 14;
   static constexpr std::uint32_t BlockHeaderUnits = sizeof(StringBlock) / sizeof(TCodeUnit);
@@ -585,8 +579,6 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   int toForeignArray(TForeignUnit* target, int capacity) const;
   bool containsInTerminated(const TCodeUnit* needle, CaseSensitivity cs) const;
   bool containsExactly(const TCodeUnit* needle) const;
-  static std::vector<FieldSpan> findSpans(const TCodeUnit* text, int len, const TCodeUnit* sep, bool dropEmpty,
-                                          CaseSensitivity cs);
 
   void constructSlow(const TCodeUnit* s, int len);
   void assignSlow(const TStringCore& other);

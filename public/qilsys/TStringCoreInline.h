@@ -163,3 +163,27 @@ inline TStringCore& TStringCore::append(TCodeUnit c) {
   }
   return appendUnitSlow(c);
 }
+
+// ---- Search
+
+template <std::same_as<wchar_t> W>
+bool TStringCore::contains(const W* needle, CaseSensitivity cs) const {
+  if constexpr (ForeignUnit<W>) {
+    return containsInTerminated(TForeignText(needle).data(), cs);
+  } else {
+    return containsInTerminated(needle, cs);
+  }
+}
+
+template <std::same_as<char16_t> W>
+bool TStringCore::contains(const W* needle, CaseSensitivity) const {
+  if constexpr (ForeignUnit<W>) {
+    return containsExactly(TForeignText(needle).data());
+  } else {
+    return containsExactly(needle);
+  }
+}
+
+inline bool TStringCore::contains(std::nullptr_t, CaseSensitivity cs) const {
+  return containsInTerminated(nullptr, cs);
+}

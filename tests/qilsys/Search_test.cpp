@@ -1,0 +1,209 @@
+#include "qilsys/Search.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "qilsys/Fields.h"
+#include "support/SearchModels.h"
+#include "support/SearchTexts.h"
+
+namespace qilsys::search {
+namespace {
+
+using test::NearMissAlphabet;
+using test::RandomText;
+using test::Rounds;
+using test::SearchAlphabet;
+using test::SeededRandom;
+using test::String;
+
+constexpr CaseSensitivity AllSensitivities[] = {TStringCore::CaseInsensitive, TStringCore::CaseSensitive,
+                                                static_cast<CaseSensitivity>(2), static_cast<CaseSensitivity>(-1)};
+
+// Only CaseSensitive does not fold.
+bool Folds(CaseSensitivity cs) { return cs != TStringCore::CaseSensitive; }
+
+struct Case {
+  std::u16string text;
+  std::u16string needle;
+  int start;
+};
+
+Case RandomCase(SeededRandom& random) {
+  const std::u16string_view alphabet = random.OneIn(2) ? SearchAlphabet : NearMissAlphabet;
+  const std::size_t longest = random.OneIn(10) ? 400 : 40;
+  std::u16string text = RandomText(random, alphabet, longest);
+  std::u16string needle = RandomText(random, alphabet, random.OneIn(10) ? 40 : 4);
+  if (!text.empty() && random.OneIn(2)) {
+    // A piece of the text with the case of a letter changed here and there, which is likely to be found by folding.
+    needle = text.substr(random.Between<std::size_t>(0, text.size() - 1), needle.size());
+    for (char16_t& c : needle) c = random.OneIn(4) && c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - 32) : c;
+  }
+  const int length = static_cast<int>(text.size());
+  return {std::move(text), std::move(needle), random.Between(-length - 2, length + 2)};
+}
+
+TEST(SearchRandom, FindStrCoreAgreesWithTheModel) {
+  SeededRandom random;
+  for (int round = Rounds(20000); round > 0; --round) {
+    const Case c = RandomCase(random);
+    const TStringCore text = String(c.text);
+    const TStringCore needle = String(c.needle);
+    for (const CaseSensitivity cs : AllSensitivities) {
+      ASSERT_EQ(findStrCore(text, text.length(), needle, needle.length(), c.start, cs),
+                test::ModelFind(c.text, c.needle, c.start, Folds(cs)))
+          << testing::PrintToString(c.text) << testing::PrintToString(c.needle) << c.start << " " << cs;
+    }
+  }
+}
+
+TEST(SearchRandom, KmpSearchAgreesWithTheModel) {
+  SeededRandom random;
+  for (int round = Rounds(5000); round > 0; --round) {
+    const Case c = RandomCase(random);
+    if (c.text.empty() || c.needle.empty() || c.needle[0] == 0) continue;
+    const TStringCore text = String(c.text);
+    const TStringCore needle = String(c.needle);
+    for (const CaseSensitivity cs : AllSensitivities) {
+      std::vector<int> table;
+      buildFailureTable(needle, needle.length(), table, cs);
+      ASSERT_EQ(kmpSearch(text, text.length(), needle, needle.length(), table, cs),
+                test::ModelFind(c.text, c.needle, 0, Folds(cs)));
+    }
+  }
+}
+
+TEST(SearchRandom, BackwardSearchAgreesWithTheModel) {
+  SeededRandom random;
+  for (int round = Rounds(20000); round > 0; --round) {
+    const Case c = RandomCase(random);
+    const TStringCore text = String(c.text);
+    const TStringCore needle = String(c.needle);
+    for (const CaseSensitivity cs : AllSensitivities) {
+      ASSERT_EQ(findLastStr(text, text.length(), needle, needle.length(), c.start, cs),
+                test::ModelLastIndexOf(c.text, c.needle, c.start, Folds(cs)))
+          << testing::PrintToString(c.text) << testing::PrintToString(c.needle) << c.start << " " << cs;
+    }
+  }
+}
+
+TEST(SearchRandom, CountAgreesWithTheModel) {
+  SeededRandom random;
+  for (int round = Rounds(10000); round > 0; --round) {
+    const Case c = RandomCase(random);
+    for (const CaseSensitivity cs : {TStringCore::CaseInsensitive, TStringCore::CaseSensitive}) {
+      ASSERT_EQ(String(c.text).count(String(c.needle), cs), test::ModelCount(c.text, c.needle, Folds(cs)));
+    }
+  }
+}
+
+TEST(SearchRandom, ComparingAgreesWithTheModel) {
+  SeededRandom random;
+  for (int round = Rounds(20000); round > 0; --round) {
+    const Case c = RandomCase(random);
+    std::u16string other = c.text;
+    for (char16_t& unit : other) unit = random.OneIn(30) ? SearchAlphabet[3] : unit;
+    if (random.OneIn(3)) other = c.needle;
+    const TStringCore a = String(c.text);
+    const TStringCore b = String(other);
+    for (const CaseSensitivity cs : AllSensitivities) {
+      const int wanted = test::ModelCompare(c.text, other, Folds(cs));
+      ASSERT_EQ(compareText(a, a.length(), b, b.length(), cs), wanted);
+      ASSERT_EQ(compareText(a, b, cs), wanted);
+      ASSERT_EQ(compareN(a, b, c.start, cs), test::ModelCompare(c.text, other, Folds(cs), c.start));
+    }
+  }
+}
+
+TEST(SearchRandom, SetsAgreeWithTheModel) {
+  SeededRandom random;
+  constexpr std::u16string_view Ascii = u"abcdefghijklmnopqrstuvwxyz,;.:";
+  for (int round = Rounds(20000); round > 0; --round) {
+    const Case c = RandomCase(random);
+    std::u16string set = RandomText(random, random.OneIn(2) ? SearchAlphabet : Ascii, random.OneIn(2) ? 4 : 20);
+    const TStringCore text = String(c.text);
+    const TStringCore members = String(set);
+    ASSERT_EQ(findAnyOfCore(text, text.length(), members, members.length(), c.start),
+              test::ModelFindAnyOf(c.text, set, c.start))
+        << testing::PrintToString(c.text) << testing::PrintToString(set) << c.start;
+    ASSERT_EQ(findNotOfCore(text, text.length(), members, members.length(), c.start),
+              test::ModelFindNotOf(c.text, set, c.start))
+        << testing::PrintToString(c.text) << testing::PrintToString(set) << c.start;
+  }
+}
+
+TEST(SearchRandom, SpansAgreeWithTheModel) {
+  SeededRandom random;
+  for (int round = Rounds(10000); round > 0; --round) {
+    const Case c = RandomCase(random);
+    const std::u16string sep{test::ModelToNul(c.needle)};
+    const TStringCore text = String(c.text);
+    for (const bool dropEmpty : {false, true}) {
+      for (const CaseSensitivity cs : {TStringCore::CaseInsensitive, TStringCore::CaseSensitive}) {
+        std::vector<FieldSpan> wanted;
+        for (const test::ModelField& f : test::ModelFields(c.text, sep, dropEmpty, Folds(cs))) {
+          wanted.push_back({f.offset, f.length});
+        }
+        ASSERT_EQ(findSpans(text, text.length(), sep.c_str(), dropEmpty, cs), wanted);
+      }
+    }
+  }
+}
+
+// Near misses at every place: the search by the ends of the needle hands over to the table.
+TEST(Search, FoldedSearchThroughNearMissesFindsTheFirstMatch) {
+  const std::u16string needle = std::u16string(200, u'a') + u"b" + std::u16string(200, u'a');
+  std::u16string text(5000, u'A');
+  EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 0, TStringCore::CaseInsensitive), -1);
+  text[3000] = u'B';
+  text[4500] = u'B';
+  EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 0, TStringCore::CaseInsensitive), 2800);
+  EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 2800, TStringCore::CaseInsensitive), 2800);
+  EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 2801, TStringCore::CaseInsensitive), 4300);
+}
+
+TEST(Search, FailureTableHoldsBorders) {
+  std::vector<int> table;
+  buildFailureTable(u"aabaaab", 7, table, TStringCore::CaseSensitive);
+  EXPECT_EQ(table, (std::vector<int>{-1, 0, -1, 0, 1, 1, 2}));
+  buildFailureTable(u"aABAaab", 7, table, TStringCore::CaseSensitive);
+  EXPECT_EQ(table, (std::vector<int>{-1, -1, -1, -1, 0, 0, -1}));
+  buildFailureTable(u"aABAaab", 7, table, TStringCore::CaseInsensitive);
+  EXPECT_EQ(table, (std::vector<int>{-1, 0, -1, 0, 1, 1, 2}));
+}
+
+TEST(Search, FailureTableOfNothingIsUntouched) {
+  std::vector<int> table{7, 8};
+  buildFailureTable(nullptr, 3, table, TStringCore::CaseSensitive);
+  buildFailureTable(u"abc", 0, table, TStringCore::CaseSensitive);
+  buildFailureTable(u"abc", -1, table, TStringCore::CaseSensitive);
+  EXPECT_EQ(table, (std::vector<int>{7, 8}));
+}
+
+TEST(Search, KmpSearchRefusesWhatCannotMatch) {
+  const std::vector<int> table{-1, -1};
+  EXPECT_EQ(kmpSearch(nullptr, 2, u"ab", 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(u"ab", 2, nullptr, 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(u"ab", 0, u"ab", 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(u"ab", 2, u"ab", 0, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(u"ab", 1, u"ab", 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(u"xAB", 3, u"ab", 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(u"xAB", 3, u"ab", 2, table, TStringCore::CaseInsensitive), 1);
+}
+
+TEST(Search, SpansOfNothingAreNone) {
+  EXPECT_TRUE(findSpans(nullptr, 3, u",", false, TStringCore::CaseSensitive).empty());
+  EXPECT_TRUE(findSpans(u"a,b", 3, nullptr, false, TStringCore::CaseSensitive).empty());
+  EXPECT_TRUE(findSpans(u"a,b", 3, u"", false, TStringCore::CaseSensitive).empty());
+}
+
+TEST(Search, UnitLengthOfNullIsZero) {
+  EXPECT_EQ(unitLength(nullptr), 0);
+  EXPECT_EQ(unitLength(u""), 0);
+  EXPECT_EQ(unitLength(u"abc"), 3);
+}
+
+}  // namespace
+}  // namespace qilsys::search
