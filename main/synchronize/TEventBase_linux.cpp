@@ -21,8 +21,9 @@ using qilsys::synchronize::TWaitQueue;
 // A lone flag would lose the second of two sets before a waiter has run, and a set followed by a reset would release
 // nobody; so each set takes those that it releases out of the queue.
 //
-// `m_isSet` is written under the lock only. It may be read without: an acquire that finds it true sees what was
-// written before the release store that set it. A set event has an empty queue.
+// `m_isSet` is written under the lock only. Without the lock it may be found false, which answers a poll, but never
+// true: a waiter that went by that could destroy the event before its setter has unlocked. The lock orders what was
+// written before a set, so the accesses themselves are relaxed. A set event has an empty queue.
 struct Event {
   explicit Event(bool created, TPlatformEvent::Kind kind)
       : m_isCreated(created), m_isManual(kind == TPlatformEvent::Kind::ManualReset) {}
@@ -39,8 +40,8 @@ struct Event {
 };
 
 bool Event::Poll() {
-  if (m_isManual || !m_isSet.load(std::memory_order_relaxed)) {
-    return m_isSet.load(std::memory_order_acquire);
+  if (!m_isSet.load(std::memory_order_relaxed)) {
+    return false;
   }
   const TFutexGuard guard(m_lock);
   return TakeIfSet();
@@ -58,7 +59,7 @@ TWaiter* Event::SetAndTake() {
   const TFutexGuard guard(m_lock);
   TWaiter* const released = m_isManual ? m_waiters.TakeAll() : m_waiters.TakeFirst();
   if (m_isManual || !released) {
-    m_isSet.store(true, std::memory_order_release);
+    m_isSet.store(true, std::memory_order_relaxed);
   }
   return released;
 }
