@@ -92,6 +92,10 @@ extern template class RefCntObjectNonVirtualBase<RefCntObject>;
 
 namespace qilsys {
 
+/// True where a pointer to U may stand for a pointer to T.
+template <class U, class T>
+concept PointsAs = std::convertible_to<U*, T*>;
+
 /// Raises the assertion "Null pointer dereferenced"; ends the process if its hook returns.
 [[noreturn]] QILSYS_API void RaiseNullDereference();
 
@@ -111,9 +115,10 @@ class RefCntPtr {
   RefCntPtr(const RefCntPtr& other) noexcept : m_object(other.m_object) { Add(); }
   /// Leaves `other` null and the count as it is.
   RefCntPtr(RefCntPtr&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
-  template <class U>
-  requires(std::convertible_to<U*, T*> && !std::same_as<U, T>) RefCntPtr(const RefCntPtr<U, Base>& other)
-  noexcept : RefCntPtr(other.get()) {}
+  template <qilsys::PointsAs<T> U>
+  RefCntPtr(const RefCntPtr<U, Base>& other) noexcept : RefCntPtr(other.get()) {}
+  template <qilsys::PointsAs<T> U>
+  RefCntPtr(RefCntPtr<U, Base>&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
   ~RefCntPtr() { reset(); }
 
   /// The new object gains its owner before the old one loses it, so the two may depend on each other.
@@ -151,6 +156,9 @@ class RefCntPtr {
   }
 
  private:
+  template <class U, class OtherBase>
+  friend class RefCntPtr;
+
   void Add() const noexcept {
     if (m_object) {
       static_cast<const Base*>(m_object)->AddReference();

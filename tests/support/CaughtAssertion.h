@@ -3,6 +3,7 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "qilsys/LogicException.h"
 
@@ -35,6 +36,24 @@ class ScopedAssertHook {
 
  private:
   const AssertHooks::LogicAssertHook m_previous;
+};
+
+/// While it lives, broken conditions are noted and the code after them runs on. One at a time, on one thread.
+class RecordedAssertions {
+ public:
+  RecordedAssertions() : m_hook(&Note) { Noted().clear(); }
+  const std::vector<CaughtAssertion>& All() const { return Noted(); }
+
+ private:
+  static std::vector<CaughtAssertion>& Noted() {
+    static std::vector<CaughtAssertion> s_noted;
+    return s_noted;
+  }
+  static void Note(const char* file, int line, const char* text, const QuillonError& error) {
+    Noted().push_back({file, line, text, error.GetCode(), error.GetCodeName().toStdString()});
+  }
+
+  const ScopedAssertHook m_hook;
 };
 
 /// Runs `action` until its first broken condition and returns that, or a record with code 0 if there was none.

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "qilsys/CodePoint.h"
+#include "support/RowName.h"
 
 namespace qilsys::test {
 
@@ -27,12 +28,6 @@ void ForEachUnitType(F f) {
     SCOPED_TRACE("the form on TForeignUnit");
     f(TForeignUnit{});
   }
-}
-
-/// Names a test by the field `name` of its row.
-template <class Row>
-std::string RowName(const testing::TestParamInfo<Row>& info) {
-  return info.param.name;
 }
 
 }  // namespace qilsys::test
