@@ -1,0 +1,125 @@
+#include "qilsys/TSystem.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <clocale>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include "support/RowName.h"
+#include "support/Utf8.h"
+#include "system/CodePage.h"
+#include "system/MachineMemory.h"
+#include "system/TSystem_platform.h"
+
+using qilsys::test::Utf8;
+
+namespace {
+
+TEST(TSystemIdentity, ProcessIsTheSameEverywhere) {
+  const unsigned int here = TSystem::ProcessID();
+  EXPECT_NE(here, 0u);
+  unsigned int there = 0;
+  std::thread([&there] { there = TSystem::ProcessID(); }).join();
+  EXPECT_EQ(there, here);
+}
+
+TEST(TSystemIdentity, ThreadsDiffer) {
+  const unsigned long long here = TSystem::ThreadID();
+  EXPECT_EQ(TSystem::ThreadID(), here);
+  unsigned long long there = here;
+  std::thread([&there] { there = TSystem::ThreadID(); }).join();
+  EXPECT_NE(there, here);
+}
+
+TEST(TSystemSleep, TakesAtLeastThatLong) {
+  const auto start = std::chrono::steady_clock::now();
+  TSystem::Sleep(20);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20));
+  TSystem::Sleep(0);
+}
+
+TEST(TSystemMainThread, IsFalseWithoutACallback) { EXPECT_FALSE(TSystem::IsDesktopMainThread()); }
+
+TEST(TSystemMainThread, AsksTheCallbackAndGivesBackTheOneBefore) {
+  EXPECT_FALSE(TSystem::SetDesktopMainThreadFunc([] { return true; }));
+  EXPECT_TRUE(TSystem::IsDesktopMainThread());
+  const std::function<bool()> previous = TSystem::SetDesktopMainThreadFunc([] { return false; });
+  ASSERT_TRUE(previous);
+  EXPECT_TRUE(previous());
+  EXPECT_FALSE(TSystem::IsDesktopMainThread());
+  TSystem::SetDesktopMainThreadFunc(nullptr);
+  EXPECT_FALSE(TSystem::IsDesktopMainThread());
+}
+
+TEST(TSystemEncoding, IsTheCharsetOfTheCodePageAndStays) {
+  char const* const charset = TSystem::Local8BitEncoding();
+  EXPECT_STREQ(charset, qilsys::CharsetOfCodePage(qilsys::ActiveCodePage()));
+  EXPECT_EQ(TSystem::Local8BitEncoding(), charset);
+  EXPECT_LT(std::string(charset).size(), 20u);
+}
+
+TEST(TSystemEncoding, LeavesTheProcessesOwnLocaleAsItIs) {
+  const std::string before = std::setlocale(LC_ALL, nullptr);
+  qilsys::ActiveCodePage();
+  EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
+}
+
+TEST(TSystemMemory, FiguresFitTogether) {
+  const TSystem::MemoryInfo memory = TSystem::Memory();
+  EXPECT_GT(memory.m_totalPhysical, 16u * 1024 * 1024);
+  EXPECT_LE(memory.m_availablePhysical, memory.m_totalPhysical);
+  EXPECT_EQ(memory.m_usedPhysical, memory.m_totalPhysical - memory.m_availablePhysical);
+  EXPECT_GE(memory.m_pageSize, 4096u);
+  EXPECT_EQ(memory.m_pageSize & (memory.m_pageSize - 1), 0u);
+  EXPECT_LE(memory.m_memoryLoad, 100u);
+}
+
+struct MemoryRow {
+  const char* name;
+  qilsys::MachineMemory machine;
+  std::uint64_t used;
+  std::uint32_t load;
+};
+void PrintTo(const MemoryRow& row, std::ostream* out) { *out << row.name; }
+
+class MemoryInfoOfMachine : public testing::TestWithParam<MemoryRow> {};
+
+TEST_P(MemoryInfoOfMachine, Gives) {
+  const TSystem::MemoryInfo memory = qilsys::ToMemoryInfo(GetParam().machine, 4096);
+  EXPECT_EQ(memory.m_availablePhysical, GetParam().machine.m_available);
+  EXPECT_EQ(memory.m_totalPhysical, GetParam().machine.m_total);
+  EXPECT_EQ(memory.m_usedPhysical, GetParam().used);
+  EXPECT_EQ(memory.m_memoryLoad, GetParam().load);
+  EXPECT_EQ(memory.m_pageSize, 4096u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, MemoryInfoOfMachine,
+                         testing::Values(MemoryRow{"AllFree", {1000, 1000}, 1, 0},
+                                         MemoryRow{"Some", {1000, 250}, 750, 75},
+                                         MemoryRow{"All", {1000, 0}, 1000, 100}, MemoryRow{"Unknown", {0, 0}, 1, 0}),
+                         qilsys::test::RowName<MemoryRow>);
+
+TEST(TSystemUpTime, MovesOn) {
+  const unsigned int start = TSystem::AppUpTime();
+  TSystem::Sleep(5);
+  EXPECT_GE(TSystem::AppUpTime(), start + 5);
+}
+
+TEST(TSystemLastError, HasTheTextOfTheSystem) {
+  errno = ENOENT;
+  EXPECT_EQ(Utf8(TSystem::GetLastErrorString()), std::system_category().message(ENOENT));
+  errno = EOVERFLOW;
+  EXPECT_EQ(Utf8(TSystem::GetLastErrorString()), std::system_category().message(EOVERFLOW));
+}
+
+TEST(TSystemClassName, IsTakenWhole) {
+  EXPECT_EQ(Utf8(TSystem::unmangleClassName("class TPathCore")), "class TPathCore");
+  EXPECT_EQ(Utf8(TSystem::unmangleClassName("9TPathCore")), "9TPathCore");
+  EXPECT_TRUE(TSystem::unmangleClassName(nullptr).empty());
+}
+
+}  // namespace
