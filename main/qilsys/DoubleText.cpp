@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "qilsys/PlainDouble.h"
+
 namespace qilsys {
 namespace {
 
@@ -37,8 +39,9 @@ DoubleText::DoubleText(std::string_view text) : length(static_cast<int>(text.siz
 }
 
 int DoubleText::ExponentIndex() const {
-  const std::size_t at = View().find_first_of("eE");
-  return at == std::string_view::npos || at == 0 ? -1 : static_cast<int>(at);
+  int at = 0;
+  while (at < length && (characters[at] | 0x20) != 'e') ++at;
+  return at == 0 || at == length ? -1 : at;
 }
 
 void DoubleText::Remove(int from, int to) {
@@ -50,6 +53,7 @@ DoubleText PrintDouble(double value, char format, int precision) {
   DoubleText text;
   const int useful = UsefulPrecision(format, precision);
   if (useful < 0) return text;
+  if (PrintPlainDouble(value, format, useful, text)) return text;
   // The same text as the formatted print, by definition, but for the case; and no locale takes part.
   const std::to_chars_result printed =
       std::to_chars(text.characters, std::end(text.characters), value, CharsFormat(format), useful);

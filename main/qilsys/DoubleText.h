@@ -19,6 +19,7 @@ struct DoubleText {
   std::string_view View() const { return {characters, static_cast<std::size_t>(length)}; }
   /// Index of the first "e" or "E"; -1 if there is none or nothing stands before it.
   int ExponentIndex() const;
+  void Append(char character) { characters[length++] = character; }
   void Remove(int from, int to);
 
   int length = 0;
