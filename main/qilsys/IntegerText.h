@@ -1,16 +1,14 @@
-/// Digits of unsigned 64-bit numbers, written straight into 16-bit units.
+/// Digits of unsigned 64-bit numbers, written straight into the text that they are for.
 #pragma once
 
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 
 #include "qilsys/TCodeUnit.h"
 
 namespace qilsys::integertext {
-
-/// Digits of the largest 64-bit number in base 2, the longest of all.
-inline constexpr int MaxDigits = 64;
 
 inline constexpr std::array<std::uint64_t, 20> s_powersOfTen = [] {
   std::array<std::uint64_t, 20> powers{};
@@ -22,15 +20,21 @@ inline constexpr std::array<std::uint64_t, 20> s_powersOfTen = [] {
   return powers;
 }();
 
-/// "00" to "99", so that a division yields two digits.
-inline constexpr std::array<TCodeUnit, 200> s_digitPairs = [] {
-  std::array<TCodeUnit, 200> pairs{};
+/// "00" to "99" in units of the target, so that a division yields two digits and one store writes them.
+template <class Unit>
+inline constexpr std::array<Unit, 200> s_digitPairs = [] {
+  std::array<Unit, 200> pairs{};
   for (unsigned i = 0; i < 100; ++i) {
-    pairs[2 * i] = static_cast<TCodeUnit>(u'0' + i / 10);
-    pairs[2 * i + 1] = static_cast<TCodeUnit>(u'0' + i % 10);
+    pairs[2 * i] = static_cast<Unit>('0' + i / 10);
+    pairs[2 * i + 1] = static_cast<Unit>('0' + i % 10);
   }
   return pairs;
 }();
+
+template <class Unit>
+void WriteDigitPair(Unit* to, unsigned pair) {
+  std::memcpy(to, &s_digitPairs<Unit>[pair * 2], 2 * sizeof(Unit));
+}
 
 /// Number of decimal digits of `value`, 1 for zero.
 inline int DecimalLength(std::uint64_t value) {
@@ -40,25 +44,36 @@ inline int DecimalLength(std::uint64_t value) {
   return guess + (positive >= s_powersOfTen[static_cast<unsigned>(guess)] ? 1 : 0);
 }
 
-/// Writes the decimal digits of `value` so that they end before `end`; returns where they begin.
-inline TCodeUnit* WriteDecimalBefore(TCodeUnit* end, std::uint64_t value) {
-  while (value >= 100) {
-    const auto pair = static_cast<unsigned>(value % 100) * 2;
-    value /= 100;
-    *--end = s_digitPairs[pair + 1];
-    *--end = s_digitPairs[pair];
+/// Writes the decimal digits of `value` so that they end before `end`; returns where they begin. `Unit` is TCodeUnit,
+/// or `char` for text that is still narrow.
+template <class Unit>
+Unit* WriteDecimalBefore(Unit* end, std::uint64_t value) {
+  // Four digits a round: their two pairs come apart independently of the next round's division.
+  while (value >= 10000) {
+    const auto four = static_cast<unsigned>(value % 10000);
+    value /= 10000;
+    end -= 4;
+    WriteDigitPair(end, four / 100);
+    WriteDigitPair(end + 2, four % 100);
   }
-  if (value >= 10) {
-    *--end = s_digitPairs[static_cast<unsigned>(value) * 2 + 1];
-    *--end = s_digitPairs[static_cast<unsigned>(value) * 2];
-    return end;
+  auto rest = static_cast<unsigned>(value);
+  if (rest >= 100) {
+    end -= 2;
+    WriteDigitPair(end, rest % 100);
+    rest /= 100;
   }
-  *--end = static_cast<TCodeUnit>(u'0' + value);
+  if (rest >= 10) {
+    end -= 2;
+    WriteDigitPair(end, rest);
+  } else {
+    *--end = static_cast<Unit>('0' + rest);
+  }
   return end;
 }
 
-/// The same in a base of 2 to 36 with lower-case letters, or in base 64 with the digits of the base-64 alphabet, most
-/// significant first. Any other base is undefined.
+/// Number of digits of `value`, and the digits themselves, in a base of 2 to 36 with lower-case letters or in base 64
+/// with the digits of the base-64 alphabet. Any other base is undefined.
+int DigitsLength(std::uint64_t value, int base);
 TCodeUnit* WriteDigitsBefore(TCodeUnit* end, std::uint64_t value, int base);
 
 }  // namespace qilsys::integertext

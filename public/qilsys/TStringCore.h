@@ -563,6 +563,11 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   void promoteToBlock(int capacity);
   void reallocateBlock(int capacity);
   TCodeUnit* resizeForWrite(int n);
+  TCodeUnit* writableOfLength(int n);
+  static TStringCore decimalNumber(std::uint64_t magnitude, bool negative, int width, TCodeUnit fill);
+  static TStringCore shortDecimalNumber(std::uint64_t magnitude, int length);
+  static TStringCore paddedDecimalNumber(std::uint64_t magnitude, bool negative, int length, TCodeUnit fill);
+  static TStringCore digitsNumber(std::uint64_t pattern, int base, int width, TCodeUnit fill);
   void reserveWithMode(int n, GrowthMode mode);
   bool inSelf(const TCodeUnit* p) const noexcept;
   void _assignHandleSelf(const TCodeUnit* s, int len);

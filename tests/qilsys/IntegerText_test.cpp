@@ -11,9 +11,10 @@ namespace qilsys::integertext {
 namespace {
 
 std::string Digits(std::uint64_t value, int base) {
-  TCodeUnit room[MaxDigits];
-  const TCodeUnit* const end = room + MaxDigits;
-  const TCodeUnit* const first = WriteDigitsBefore(room + MaxDigits, value, base);
+  TCodeUnit room[64];
+  const TCodeUnit* const end = room + 64;
+  const TCodeUnit* const first = WriteDigitsBefore(room + 64, value, base);
+  EXPECT_EQ(DigitsLength(value, base), end - first) << value << " in base " << base;
   std::string text;
   for (const TCodeUnit* unit = first; unit != end; ++unit) text.push_back(static_cast<char>(*unit));
   return text;
