@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "qilsys/TCType.h"
+#include "qilsys/UnitScan.h"
 
 namespace {
 
@@ -33,8 +34,11 @@ TError::ErrorInfo FormatError(unsigned int code, const char* codeName) {
 // The value that a unit adds to a number. Digits beyond ASCII count by their unit too, far above any valid number.
 int DigitValue(TCodeUnit unit) { return unit - u'0'; }
 
+// As TCType::isDigit, without a call for what templates hold.
+bool IsDigit(TCodeUnit unit) { return unit < 0x80 ? unit >= u'0' && unit <= u'9' : TCType::isDigit(unit); }
+
 int FirstDigit(TCodeUnit unit) {
-  if (!TCType::isDigit(unit)) {
+  if (!IsDigit(unit)) {
     Fail("Invalid numberless marker in format string.", 0xF7AF5E37, "QuillonException_AutoGen_0xF7AF5E37");
   }
   if (unit == u'0') {
@@ -82,31 +86,33 @@ TFormatStringCore& TFormatStringCore::operator=(const TCodeUnit* format) { retur
 void TFormatStringCore::scanForMarkers() {
   m_markers.clear();
   m_highestMarker = 0;
-  const TCodeUnit* const first = m_format.constData();
-  const TCodeUnit* const end = first + m_format.length();
+  const int length = m_format.length();
+  const qilsys::search::IsUnit<qilsys::search::UnitLanes> isPercent(m_format.constData(), u'%');
   // Each marker holds one "%" at least, so this is room enough and the list grows once.
-  m_markers.reserve(static_cast<std::size_t>(std::count(first, end, TCodeUnit{u'%'})));
-  const TCodeUnit* unit = first;
-  while ((unit = std::find(unit, end, TCodeUnit{u'%'})) != end) {
-    unit = scanMarker(unit, end);
-  }
+  m_markers.reserve(static_cast<std::size_t>(qilsys::search::scanCount(length, isPercent)));
+  int next = 0;
+  qilsys::search::scanEach(length, isPercent, [&](int position) {
+    if (position >= next) next = scanMarker(position);
+  });
   m_parameters.reserve(static_cast<std::size_t>(m_highestMarker));
 }
 
-const TCodeUnit* TFormatStringCore::scanMarker(const TCodeUnit* percent, const TCodeUnit* end) {
-  const auto position = static_cast<std::int32_t>(percent - m_format.constData());
-  const TCodeUnit* unit = percent + 1;
-  if (unit == end) FailAtEnd(false);
-  if (*unit == u'%') {
+// Adds the marker that begins at `position` and gives the index behind it.
+int TFormatStringCore::scanMarker(int position) {
+  const TCodeUnit* const format = m_format.constData();
+  const int end = m_format.length();
+  int at = position + 1;
+  if (at == end) FailAtEnd(false);
+  if (format[at] == u'%') {
     m_markers.push_back({position, 2, 0});
-    return unit + 1;
+    return at + 1;
   }
-  int number = FirstDigit(*unit++);
-  while (unit != end && TCType::isDigit(*unit)) number = NextDigit(number, *unit++);
-  if (number <= 0) unit == end ? FailAtEnd(true) : FailBelowOne();
+  int number = FirstDigit(format[at++]);
+  while (at < end && IsDigit(format[at])) number = NextDigit(number, format[at++]);
+  if (number <= 0) at == end ? FailAtEnd(true) : FailBelowOne();
   m_highestMarker = std::max(m_highestMarker, number);
-  m_markers.push_back({position, static_cast<std::int32_t>(unit - percent), number});
-  return unit;
+  m_markers.push_back({position, at - position, number});
+  return at;
 }
 
 void TFormatStringCore::append(const TStringCore& a) { m_parameters.push_back(a); }

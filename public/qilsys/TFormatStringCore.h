@@ -125,7 +125,7 @@ class QILSYS_API TFormatStringCore {
   };
 
   void scanForMarkers();
-  const TCodeUnit* scanMarker(const TCodeUnit* percent, const TCodeUnit* end);
+  int scanMarker(int position);
   void append(const TStringCore& a);
   TFormatStringCore& pad(const TStringCore& a, int fieldWidth, TCodeUnit fill);
   TFormatStringCore& appendNumber(TStringCore&& text, int fieldWidth, TCodeUnit fill);

@@ -46,7 +46,7 @@ constexpr IntegerRow s_integerRows[] = {
     {"HexPrefixInBase10", u"0x1", 10, 1},
     {"HexPrefixInBase36", u"0x1", 36, 3},
     {"ChosenHex", u"0x1F", 0, 4},
-    {"ChosenOctal", u"0189", 0, 3},
+    {"ChosenOctal", u"0189", 0, 2},
     {"ChosenDecimal", u"19", 0, 2},
     {"ChosenMinus", u"-9", 0, 2},
     {"DigitAboveBase8", u"178", 8, 2},
