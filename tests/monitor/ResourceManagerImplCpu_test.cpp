@@ -1,0 +1,242 @@
+#include <gtest/gtest.h>
+
+#include "monitor/Member.h"
+#include "monitor/ResourceReporterManager.h"
+
+namespace qilsys::test {
+namespace {
+
+ResourceValuesV2 Own(Member& member, unsigned int cpuPercent) {
+  member.m_ownValues.cpuPercent = static_cast<std::uint8_t>(cpuPercent);
+  return member.m_ownValues;
+}
+
+const char* s_excess =
+    "Resource Manager: Exceeded sustained high CPU threshold above 90% for 10 seconds.  This process has the highest "
+    "usage of ";
+
+TEST(CpuThresholdTest, ZeroResetsTheTimerAndLogsOnlyWhenAsked) {
+  Member member(Settings().Cpu(90, 10));
+  member.m_highCpuSince = 5;
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 0), false));
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_EQ(member.TakeLines(), Lines{});
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 0), true));
+  EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: CPU info: 0%"});
+}
+
+TEST(CpuThresholdTest, InfoLineCountsAllThatWereHeard) {
+  Member member(Settings().Cpu(90, 10));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 30), true));
+  EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: CPU info: 30%; 30% (Quillon total); 0 (info count)"});
+  member.HearSelf();
+  member.OnValues(PeerValues(1, 20));
+  member.OnValues(PeerValues(2, 15));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 30), true));
+  EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: CPU info: 30%; 65% (Quillon total); 3 (info count)"});
+}
+
+TEST(CpuThresholdTest, OwnFiguresThatCameBackAreNotCountedTwice) {
+  Member member(Settings().Cpu(50, 0));
+  Own(member, 40);
+  member.HearSelf();
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 40), true));
+  EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: CPU info: 40%; 40% (Quillon total); 1 (info count)"});
+}
+
+TEST(CpuThresholdTest, AMemberThatIsNotTheHighestOnlyLogsTheHighUsage) {
+  Member member(Settings().Cpu(90, 10));
+  member.OnValues(PeerValues(1, 30));
+  member.OnValues(PeerValues(2, 45));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 30), false));
+  EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: Detected high CPU usage. 100%"});
+  member.m_now += 60 * s_second;
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 30), false));
+  EXPECT_EQ(member.TakeLines(), Lines{});
+}
+
+TEST(CpuThresholdTest, ATieLeavesTheMemberTheHighest) {
+  Member member(Settings().Cpu(90, 10));
+  member.OnValues(PeerValues(1, 50));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 50), false));
+  member.m_now += 11 * s_second;
+  EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 50), false));
+  EXPECT_EQ(member.TakeLines(),
+            (Lines{"Resource Manager: Detected high CPU usage. 100%", s_excess + std::string("50%")}));
+}
+
+TEST(CpuThresholdTest, ATotalEqualToTheLimitIsNotOverItAndResetsTheTimer) {
+  Member member(Settings().Cpu(90, 10));
+  member.m_highCpuSince = 5;
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 90), false));
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 91), false));
+  EXPECT_EQ(member.m_highCpuSince, member.m_now);
+}
+
+TEST(CpuThresholdTest, TheSustainedTimeMustBePassed) {
+  Member member(Settings().Cpu(90, 10));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 95), false));
+  member.m_now += 10 * s_second;
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 95), false)) << "exactly the time is not over it";
+  member.m_now += 1;
+  EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 95), false));
+  EXPECT_EQ(member.TakeLines(),
+            (Lines{"Resource Manager: Detected high CPU usage. 95%", s_excess + std::string("95%")}));
+}
+
+TEST(CpuThresholdTest, NoSustainedTimeStillNeedsASecondLook) {
+  Member member(Settings().Cpu(50, 0));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
+  member.m_now += 1;
+  EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 60), false));
+}
+
+TEST(CpuThresholdTest, ASustainedTimeBeyondTheClockIsNeverPassed) {
+  Member member(Settings().Cpu(50, 100'000'000'000));
+  member.m_now = 0;
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
+  member.m_now = std::numeric_limits<std::int64_t>::max() - 1;
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
+}
+
+TEST(CpuThresholdTest, TheTimerRunsOnWhileAnotherIsTheHighest) {
+  Member member(Settings().Cpu(90, 10));
+  member.OnValues(PeerValues(1, 60));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 45), false));
+  member.m_now += 11 * s_second;
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 45), false));
+  member.m_peers.clear();
+  EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 91), false)) << "the top member has gone";
+}
+
+TEST(CpuThresholdTest, AReadingOfZeroInAHighPeriodResetsTheTimerAndDoesNotFeedTheMean) {
+  Member member(Settings().Cpu(50, 3).RollingMean());
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
+  EXPECT_NE(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 0), false));
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_EQ(member.m_cpuMean, 60.0);
+}
+
+struct MeanRow {
+  const char* m_name;
+  std::int64_t m_sustained;
+  std::int64_t m_interval;
+  std::vector<std::pair<unsigned int, double>> m_samplesAndMeans;
+};
+
+class RollingMeanTest : public testing::TestWithParam<MeanRow> {};
+
+TEST_P(RollingMeanTest, MovesByEachSample) {
+  Member member(Settings().Cpu(99, GetParam().m_sustained).Interval(GetParam().m_interval).RollingMean());
+  for (const auto& [sample, mean] : GetParam().m_samplesAndMeans) {
+    member.IsBelowCpuThreshold(Own(member, sample), false);
+    EXPECT_DOUBLE_EQ(member.m_cpuMean, mean) << "after " << sample;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, RollingMeanTest,
+    testing::Values(
+        MeanRow{"WindowOfThree", 3, 1, {{60, 60}, {60, 60}, {60, 60}, {90, 70}, {90, 80}, {90, 90}, {30, 70}}},
+        MeanRow{"Filling", 3, 1, {{40, 40}, {80, 60}, {30, 50}, {40, 50}, {50, 40}}},
+        MeanRow{"WindowOfOne", 1, 1, {{40, 40}, {80, 80}, {10, 10}}},
+        MeanRow{"WindowRoundsDown", 7, 2, {{60, 60}, {60, 60}, {60, 60}, {90, 70}}},
+        MeanRow{"NoWindow", 1, 2, {{99, 0}, {99, 0}, {99, 0}}}, MeanRow{"NoInterval", 3, 0, {{99, 0}, {99, 0}}},
+        MeanRow{"NegativeSustained", -3, 1, {{99, 0}, {99, 0}}}),
+    [](const auto& row) { return row.param.m_name; });
+
+TEST(RollingMeanTest, IsComparedInPlaceOfTheTotal) {
+  Member member(Settings().Cpu(65, 3).RollingMean());
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 90), false));
+  EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: Detected high CPU usage. 90%"});
+  member.m_now += 4 * s_second;
+  EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 60), false)) << "the mean is still 70";
+}
+
+TEST(RollingMeanTest, AMeanEqualToTheLimitIsNotOverIt) {
+  Member member(Settings().Cpu(60, 3).RollingMean());
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+}
+
+class CountingReporter : public ResourceReporter {
+ public:
+  void Report(unsigned int seconds) override { m_seconds.push_back(seconds); }
+
+  std::vector<unsigned int> m_seconds;
+};
+
+TEST(CpuReportTest, ReportersAreCalledBesideTheInfoLineAndTheExcessLine) {
+  const auto reporter = std::make_unique<CountingReporter>();
+  Member member(Settings().Cpu(50, 0).Interval(7).InfoEvery(3));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 0), true));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
+  EXPECT_TRUE(reporter->m_seconds.empty());
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 40), true));
+  EXPECT_EQ(reporter->m_seconds, (std::vector<unsigned int>{21}));
+  EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
+  member.m_now += 1;
+  EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 60), true));
+  EXPECT_EQ(reporter->m_seconds, (std::vector<unsigned int>{21, 21, 21}));
+}
+
+TEST(CpuReportTest, TheSecondsAreMultipliedIn32Bits) {
+  const auto reporter = std::make_unique<CountingReporter>();
+  Member member(Settings().Cpu(50, 0).Interval(0x1'0000'0002).InfoEvery(0xFFFFFFFF));
+  member.IsBelowCpuThreshold(Own(member, 40), true);
+  EXPECT_EQ(reporter->m_seconds, (std::vector<unsigned int>{0xFFFFFFFE}));
+}
+
+TEST(CpuReclaimTest, WithoutFunctionsItFailsAtOnce) {
+  Member member(Settings().Cpu(50, 0).Interval(1000));
+  EXPECT_FALSE(member.ReclaimCpu(member.m_self, member.m_ownValues));
+  EXPECT_EQ(member.m_samples, 0);
+  EXPECT_EQ(member.TakeLines(),
+            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 0",
+                   "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated."}));
+}
+
+TEST(CpuReclaimTest, FunctionsGetMinusOne) {
+  Member member(Settings().Cpu(50, 0).Interval(0));
+  double argument = 0;
+  member.CpuReclaim().Add(u"pool", [&](double given) { argument = given; });
+  EXPECT_TRUE(member.ReclaimCpu(member.m_self, member.m_ownValues));
+  EXPECT_EQ(argument, -1.0);
+  EXPECT_EQ(member.m_samples, 1);
+  EXPECT_EQ(member.TakeLines(),
+            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 1",
+                   "Resource Manager: Calling reclaim function named: pool", "Resource Manager: CPU info: 0%",
+                   "Resource Manager: CPU reclaimed. Process termination has been averted!"}));
+}
+
+TEST(CpuReclaimTest, AStopDuringTheWaitIsAFailure) {
+  Member member(Settings().Cpu(50, 0).Interval(1000));
+  member.CpuReclaim().Add(u"pool", [](double) {});
+  member.m_stopEvent.Signal();
+  EXPECT_FALSE(member.ReclaimCpu(member.m_self, member.m_ownValues));
+  EXPECT_EQ(member.m_samples, 0);
+  EXPECT_EQ(member.TakeLines().back(),
+            "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.");
+}
+
+TEST(CpuReclaimTest, WhatIsStillTooHighHasNotBeenReclaimed) {
+  Member member(Settings().Cpu(50, 0).Interval(0));
+  member.CpuReclaim().Add(u"pool", [](double) {});
+  member.m_highCpuSince = 0;
+  member.m_reading.m_cpuPercent = 70;
+  EXPECT_FALSE(member.ReclaimCpu(member.m_self, member.m_ownValues));
+  EXPECT_EQ(member.TakeLines(),
+            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 1",
+                   "Resource Manager: Calling reclaim function named: pool",
+                   "Resource Manager: CPU info: 70%; 70% (Quillon total); 0 (info count)",
+                   "Resource Manager: Exceeded sustained high CPU threshold above 50% for 0 seconds.  This process has "
+                   "the highest usage of 70%",
+                   "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated."}));
+}
+
+}  // namespace
+}  // namespace qilsys::test

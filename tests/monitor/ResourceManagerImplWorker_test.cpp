@@ -1,0 +1,213 @@
+#include <gtest/gtest.h>
+
+#include "monitor/Member.h"
+
+namespace qilsys::test {
+namespace {
+
+using Wait = ResourceManagerImpl::NextWait;
+
+constexpr Wait s_interval = std::chrono::milliseconds(5000);
+
+const char* s_cpuUnsuccessful = "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.";
+const char* s_memoryUnsuccessful =
+    "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.";
+const char* s_allProcesses = "Resource Manager: Logging all CPU/memory info across processes.";
+
+std::string Text(const ResourceIdentity& identity) {
+  constexpr char digits[] = "0123456789abcdef";
+  std::string text;
+  for (std::size_t i = 0; i < identity.size(); ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+    text += digits[identity[i] >> 4];
+    text += digits[identity[i] & 15];
+  }
+  return text;
+}
+
+std::string ProcessLine(const ResourceValuesV2& values, const std::string& memory) {
+  return "Resource Manager: pid: " + std::to_string(values.pid) + "; Memory info: " + memory +
+         " bytes; Memory limit usage: " + std::to_string(values.memoryLimitPercent) +
+         "%; CPU info: " + std::to_string(values.cpuPercent) + "%; uuid=" + Text(values.uuid);
+}
+
+/// A member whose CPU use has been over the limit for longer than is allowed.
+Member& PastTheSustainedTime(Member& member, unsigned int percent) {
+  member.m_reading.m_cpuPercent = percent;
+  member.m_highCpuSince = 0;
+  return member;
+}
+
+TEST(WorkerTest, StopDuringTheDelayEndsItWithoutASample) {
+  Member member(Settings().Cpu(50).Interval(5));
+  EXPECT_EQ(member.Step(true), std::nullopt);
+  EXPECT_EQ(member.m_samples, 0);
+}
+
+TEST(WorkerTest, APassSamplesOnceAndWaitsForTheInterval) {
+  Member member(Settings().Cpu(50).Memory(1000, 1000).Interval(5));
+  member.m_total = [] { return 1ULL; };
+  for (int pass = 1; pass <= 3; ++pass) {
+    EXPECT_EQ(member.Step(), s_interval);
+    EXPECT_EQ(member.m_samples, pass);
+  }
+  EXPECT_EQ(member.Step(true), std::nullopt);
+  EXPECT_EQ(member.m_samples, 3);
+  EXPECT_EQ(member.TakeLines(), Lines{});
+}
+
+TEST(WorkerTest, InfoLinesComeInEveryThirdPass) {
+  Member member(Settings().Cpu(50).Memory(1000, 1000).Interval(5).InfoEvery(3));
+  member.m_total = [] { return 7ULL; };
+  member.m_reading = {20, 300};
+  const Lines info{
+      "Resource Manager: CPU info: 20%; 20% (Quillon total); 0 (info count)",
+      "Resource Manager: Memory info: 300 bytes (current process);300 bytes (Quillon total); 7 bytes (total of all "
+      "processes); 0 (info count)"};
+  for (int pass = 1; pass <= 9; ++pass) {
+    member.Step();
+    EXPECT_EQ(member.TakeLines(), pass % 3 == 0 ? info : Lines{}) << pass;
+  }
+}
+
+TEST(WorkerTest, InfoEveryOneIsEveryPassAndZeroIsNever) {
+  Member every(Settings().Cpu(50).InfoEvery(1));
+  Member never(Settings().Cpu(50).InfoEvery(0));
+  for (int pass = 0; pass < 3; ++pass) {
+    every.Step();
+    never.Step();
+    EXPECT_EQ(every.TakeLines(), Lines{"Resource Manager: CPU info: 0%"});
+    EXPECT_EQ(never.TakeLines(), Lines{});
+  }
+}
+
+TEST(WorkerTest, CpuTerminationEndsTheWorkerBeforeTheMemoryCheck) {
+  Member member(Settings().Cpu(50, 10).TerminateCpu(7).Memory(1000, 1000).TerminateMemory(8).Interval(5));
+  PastTheSustainedTime(member, 70).m_reading.m_memoryBytes = 3000;
+  EXPECT_EQ(member.Step(), std::nullopt);
+  EXPECT_EQ(
+      member.TakeLines(),
+      (Lines{"Resource Manager: Exceeded sustained high CPU threshold above 50% for 10 seconds.  This process has "
+             "the highest usage of 70%",
+             "Resource Manager: Reclaiming CPU. Number registered functions: 0", s_cpuUnsuccessful, s_allProcesses,
+             ProcessLine(member.m_ownValues, "3,000"),
+             "TERMINATE 7 Resource Manager: Process is above CPU threshold. Requesting termination."}));
+}
+
+TEST(WorkerTest, MemoryTerminationEndsTheWorker) {
+  Member member(Settings().Memory(1000, 1000).TerminateMemory(255).Interval(5));
+  member.m_reading.m_memoryBytes = 1500;
+  EXPECT_EQ(member.Step(), std::nullopt);
+  EXPECT_EQ(member.TakeLines(),
+            (Lines{"Resource Manager: Exceeded allowed memory usage per process. 1,500 bytes",
+                   "Resource Manager: Reclaiming memory. Number registered functions: 0", s_memoryUnsuccessful,
+                   s_allProcesses, ProcessLine(member.m_ownValues, "1,500"),
+                   "TERMINATE 255 Resource Manager: Process is above memory threshold. Requesting termination."}));
+}
+
+TEST(WorkerTest, WithoutTerminationEachPassRepeatsReclaimAndLines) {
+  Member member(Settings().Cpu(50, 10).Memory(1000, 1000).Interval(5));
+  PastTheSustainedTime(member, 70).m_reading.m_memoryBytes = 1500;
+  for (int pass = 0; pass < 3; ++pass) {
+    EXPECT_EQ(member.Step(), s_interval);
+    EXPECT_EQ(
+        member.TakeLines(),
+        (Lines{
+            "Resource Manager: Exceeded sustained high CPU threshold above 50% for 10 seconds.  This process has the "
+            "highest usage of 70%",
+            "Resource Manager: Reclaiming CPU. Number registered functions: 0", s_cpuUnsuccessful, s_allProcesses,
+            ProcessLine(member.m_ownValues, "1,500"),
+            "Resource Manager: Process is above CPU threshold, but the process does not terminate on excessive Cpu "
+            "usage. Not terminating.",
+            "Resource Manager: Exceeded allowed memory usage per process. 1,500 bytes",
+            "Resource Manager: Reclaiming memory. Number registered functions: 0", s_memoryUnsuccessful, s_allProcesses,
+            ProcessLine(member.m_ownValues, "1,500"),
+            "Resource Manager: Process is above memory threshold, but the process does not terminate on excessive "
+            "memory useage. Not terminating."}));
+  }
+}
+
+TEST(WorkerTest, ReclaimingWaitsForTheIntervalAndSamplesAgain) {
+  Member member(Settings().Memory(1000, 1000).TerminateMemory(1).Interval(5));
+  member.m_total = [] { return 1ULL; };
+  member.m_reading.m_memoryBytes = 1500;
+  member.MemoryReclaim().Add(u"cache", [&](double) { member.m_reading.m_memoryBytes = 400; });
+  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.m_samples, 1);
+  EXPECT_EQ(member.TakeLines(), (Lines{"Resource Manager: Exceeded allowed memory usage per process. 1,500 bytes",
+                                       "Resource Manager: Reclaiming memory. Number registered functions: 1",
+                                       "Resource Manager: Calling reclaim function named: cache"}));
+  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.m_samples, 2);
+  EXPECT_EQ(member.TakeLines(), (Lines{"Resource Manager: Memory info: 400 bytes (current process);400 bytes (Quillon "
+                                       "total); 1 bytes (total of all processes); 0 (info count)",
+                                       "Resource Manager: Memory reclaimed. Process termination has been averted!"}));
+  EXPECT_EQ(member.Step(), s_interval) << "the next pass";
+  EXPECT_EQ(member.m_samples, 3);
+}
+
+TEST(WorkerTest, AfterAReclaimOfCpuTheMemoryIsChecked) {
+  Member member(Settings().Cpu(50, 10).TerminateCpu(1).Memory(1000, 1000).TerminateMemory(2).Interval(5));
+  PastTheSustainedTime(member, 70).m_reading.m_memoryBytes = 1500;
+  member.CpuReclaim().Add(u"pool", [&](double) { member.m_reading.m_cpuPercent = 5; });
+  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.Step(), std::nullopt);
+  EXPECT_EQ(member.TakeLines().back(),
+            "TERMINATE 2 Resource Manager: Process is above memory threshold. Requesting termination.");
+}
+
+TEST(WorkerTest, AStopDuringAReclaimLeadsToATerminationRequest) {
+  Member member(Settings().Cpu(50, 10).TerminateCpu(3).Interval(5));
+  PastTheSustainedTime(member, 70).CpuReclaim().Add(u"pool", [](double) {});
+  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.Step(true), std::nullopt);
+  EXPECT_EQ(member.m_samples, 1);
+  EXPECT_EQ(member.TakeLines().back(),
+            "TERMINATE 3 Resource Manager: Process is above CPU threshold. Requesting termination.");
+}
+
+TEST(WorkerTest, AStopDuringAReclaimWithoutTerminationEndsAtTheNextWait) {
+  Member member(Settings().Memory(1000, 1000).Interval(5));
+  member.m_reading.m_memoryBytes = 1500;
+  member.MemoryReclaim().Add(u"cache", [](double) {});
+  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.Step(true), s_interval);
+  EXPECT_EQ(member.Step(true), std::nullopt);
+  EXPECT_EQ(member.m_samples, 1);
+}
+
+TEST(WorkerTest, TheInfoCounterRunsOnOverAReclaim) {
+  Member member(Settings().Memory(1000, 1000).Interval(5).InfoEvery(2));
+  member.m_total = [] { return 1ULL; };
+  member.m_reading.m_memoryBytes = 1500;
+  member.MemoryReclaim().Add(u"cache", [&](double) { member.m_reading.m_memoryBytes = 10; });
+  member.Step();
+  member.Step();
+  member.TakeLines();
+  member.Step();
+  EXPECT_EQ(member.TakeLines().size(), 1U) << "the second pass has its info line";
+}
+
+TEST(LogAllProcessesTest, TheOwnLineComesFirstAndThenThePeersInKeyOrder) {
+  Member member(Settings().Cpu(50));
+  member.m_ownValues.uuid.fill(0x55);
+  member.m_ownValues.pid = 4711;
+  member.m_ownValues.memoryBytes = 1'234'567;
+  member.m_ownValues.memoryLimitPercent = 12;
+  member.m_ownValues.cpuPercent = 34;
+  member.HearSelf();
+  member.OnValues(PeerValues(0xAB, 1, 2, 3));
+  member.OnValues(PeerValues(0x01, 4, 5000, 6));
+  member.LogAllProcesses(member.m_ownValues);
+  EXPECT_EQ(member.TakeLines(),
+            (Lines{"Resource Manager: Logging all CPU/memory info across processes.",
+                   "Resource Manager: pid: 4711; Memory info: 1,234,567 bytes; Memory limit usage: 12%; CPU info: 34%; "
+                   "uuid=55555555-5555-5555-5555-555555555555",
+                   "Resource Manager: pid: 1001; Memory info: 5,000 bytes; Memory limit usage: 6%; CPU info: 4%; "
+                   "uuid=01010101-0101-0101-0101-010101010101",
+                   "Resource Manager: pid: 1171; Memory info: 2 bytes; Memory limit usage: 3%; CPU info: 1%; "
+                   "uuid=abababab-abab-abab-abab-abababababab"}));
+}
+
+}  // namespace
+}  // namespace qilsys::test

@@ -1,0 +1,323 @@
+#include "monitor/ResourceManagerImpl.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/system/system_error.hpp>
+#include <mutex>
+
+#include "monitor/ChildProcess.h"
+#include "monitor/Loopback.h"
+#include "monitor/Member.h"
+#include "qilsys/TSystem.h"
+#include "support/CaughtAssertion.h"
+#include "support/Eventually.h"
+
+namespace qilsys::test {
+namespace {
+
+const CaughtAssertion s_ipcSet{"main/monitor/ResourceManagerImpl", 94, "!m_ipc", 0x5D944982,
+                               "LogicException_LogicAssert_0x5D944982"};
+const CaughtAssertion s_workerSet{"main/monitor/ResourceManagerImpl", 101, "!m_worker", 0xCF38B12E,
+                                  "LogicException_LogicAssert_0xCF38B12E"};
+const CaughtAssertion s_unknownVersion{
+    "main/monitor/ResourceManagerImpl", 479,
+    "ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2", 0x044A63AC,
+    "LogicException_LogicAssert_0x044A63AC"};
+
+/// Settings whose lines may be written and read by several threads.
+struct SharedSettings : Settings {
+  std::shared_ptr<std::mutex> m_mutex = std::make_shared<std::mutex>();
+
+  SharedSettings() {
+    m_general.m_logFunc = [mutex = m_mutex, lines = m_lines](const TStringCore& line) {
+      const std::lock_guard lock(*mutex);
+      lines->push_back(line.toStdString());
+    };
+    m_general.m_checkIntervalSeconds = 1000;
+    m_general.m_startDelaySeconds = 1000;
+  }
+
+  Lines Copy() const {
+    const std::lock_guard lock(*m_mutex);
+    return *m_lines;
+  }
+};
+
+/// The manager as it is, with its inner operations open to the test.
+class RealMember : public ResourceManagerImpl {
+ public:
+  explicit RealMember(const Settings& settings)
+      : ResourceManagerImpl(settings.m_cpu, settings.m_memory, settings.m_general) {}
+
+  using ResourceManagerImpl::GetReportTime;
+  using ResourceManagerImpl::GetSteadyTime;
+  using ResourceManagerImpl::m_ipc;
+  using ResourceManagerImpl::m_ownValues;
+  using ResourceManagerImpl::m_peers;
+  using ResourceManagerImpl::m_peersLock;
+  using ResourceManagerImpl::m_rvVersion;
+  using ResourceManagerImpl::m_worker;
+  using ResourceManagerImpl::UpdateResourceValues;
+
+  std::size_t CountPeers() {
+    TScopedLock lock(m_peersLock);
+    return m_peers.size();
+  }
+  bool HeardItself() {
+    return Eventually([this] { return CountPeers() > 0; });
+  }
+};
+
+TEST(StartMonitoringTest, WithNoPolicyInForceNothingIsMade) {
+  for (const unsigned int percent : {0U, 100U, 101U, 0xFFFFFFFFU}) {
+    SharedSettings settings;
+    settings.Cpu(percent, 10).Memory(0, 1000);
+    {
+      RealMember member(settings);
+      member.StartMonitoring(FreePort());
+      EXPECT_EQ(member.m_ipc, nullptr);
+      EXPECT_EQ(member.m_worker, nullptr);
+      EXPECT_EQ(settings.Copy(), Lines{});
+      EXPECT_EQ(member.GetCpuAndMemoryUsage(), (std::pair<unsigned char, unsigned long long>(0, 0)));
+    }
+    EXPECT_EQ(settings.Copy(), Lines{"Resource Manager: stopped"});
+  }
+}
+
+struct StartRow {
+  const char* m_name;
+  std::uint32_t m_percent;
+  std::uint64_t m_perProcess;
+  Lines m_limits;
+};
+
+class StartLinesTest : public testing::TestWithParam<StartRow> {};
+
+TEST_P(StartLinesTest, TellTheLimitsInForce) {
+  SharedSettings settings;
+  settings.Cpu(GetParam().m_percent, 30).Memory(GetParam().m_perProcess, 7'654'321).Interval(12);
+  const unsigned short port = FreePort();
+  Lines wanted = GetParam().m_limits;
+  wanted.push_back("Resource Manager: Checking resources every 12 seconds");
+  wanted.push_back("Resource Manager: listening on port " + std::to_string(port));
+  {
+    RealMember member(settings);
+    member.StartMonitoring(port);
+    EXPECT_EQ(settings.Copy(), wanted);
+  }
+  wanted.push_back("Resource Manager: listening thread has stopped");
+  wanted.push_back("Resource Manager: stopped");
+  EXPECT_EQ(settings.Copy(), wanted);
+}
+
+const char* s_perProcess = "Resource Manager: Per Process Memory Limit: 1,234,567 bytes";
+const char* s_allProcesses = "Resource Manager: All Processes Memory Limit: 7,654,321 bytes";
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, StartLinesTest,
+    testing::Values(StartRow{"LowestCpu", 1, 0, {"Resource Manager: Max CPU limited to 1% over 30 seconds"}},
+                    StartRow{"HighestCpu", 99, 0, {"Resource Manager: Max CPU limited to 99% over 30 seconds"}},
+                    StartRow{"Memory", 100, 1'234'567, {s_perProcess, s_allProcesses}},
+                    StartRow{
+                        "Both",
+                        50,
+                        1'234'567,
+                        {"Resource Manager: Max CPU limited to 50% over 30 seconds", s_perProcess, s_allProcesses}}),
+    [](const auto& row) { return row.param.m_name; });
+
+TEST(StartMonitoringTest, ASecondStartIsAnAssertion) {
+  SharedSettings settings;
+  settings.Cpu(50);
+  RealMember member(settings);
+  member.StartMonitoring(FreePort());
+  EXPECT_EQ(CatchAssertion([&] { member.StartMonitoring(FreePort()); }), s_ipcSet);
+  const std::unique_ptr<ResourceIpc> ipc = std::move(member.m_ipc);
+  EXPECT_EQ(CatchAssertion([&] { member.StartMonitoring(FreePort()); }), s_workerSet);
+}
+
+TEST(StartMonitoringTest, AHookThatReturnsLeavesTheFirstStartInPlace) {
+  SharedSettings settings;
+  settings.Cpu(50);
+  RealMember member(settings);
+  member.StartMonitoring(FreePort());
+  const ResourceIpc* ipc = member.m_ipc.get();
+  const std::thread* worker = member.m_worker.get();
+  const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) {});
+  member.StartMonitoring(FreePort());
+  EXPECT_EQ(member.m_ipc.get(), ipc);
+  EXPECT_EQ(member.m_worker.get(), worker);
+}
+
+TEST(StartMonitoringTest, ATakenPortPassesTheFailureOn) {
+  const Stranger stranger;
+  SharedSettings settings;
+  settings.Cpu(50);
+  RealMember member(settings);
+  EXPECT_THROW(member.StartMonitoring(stranger.Port()), boost::system::system_error);
+  EXPECT_EQ(member.m_ipc, nullptr);
+  EXPECT_EQ(member.m_worker, nullptr);
+}
+
+TEST(OwnValuesTest, AreMadeFromTheSettings) {
+  const RealMember member(Settings().Interval(300));
+  EXPECT_EQ(member.m_rvVersion, ResourceValuesVersion::VER_2);
+  EXPECT_EQ(member.m_ownValues.pid, TSystem::ProcessID());
+  EXPECT_EQ(member.m_ownValues.reportIntervalSeconds, 44);
+  const RealMember older(Settings().Version1());
+  EXPECT_EQ(older.m_rvVersion, ResourceValuesVersion::VER_1);
+  EXPECT_EQ(UuidOf(older.m_ownValues), UuidOf(Widen(Narrow(older.m_ownValues))));
+}
+
+/// A started member whose worker sleeps, so that the test samples in its place.
+class SamplingTest : public testing::Test {
+ protected:
+  ResourceValuesV2 SampleOf(RealMember& member) {
+    member.StartMonitoring(FreePort());
+    MonitoredProcess self;
+    member.UpdateResourceValues(self, member.m_ownValues);
+    EXPECT_TRUE(member.HeardItself());
+    return member.m_ownValues;
+  }
+
+  SharedSettings m_settings;
+};
+
+TEST_F(SamplingTest, FiguresOfAPolicyThatIsOffStayZero) {
+  m_settings.Cpu(100).Memory(1 << 30, 1);
+  RealMember member(m_settings);
+  const ResourceValuesV2 values = SampleOf(member);
+  EXPECT_EQ(values.cpuPercent, 0);
+  EXPECT_GT(values.memoryBytes, 0U);
+  EXPECT_EQ(member.GetCpuAndMemoryUsage(), (std::pair<unsigned char, unsigned long long>(0, values.memoryBytes)));
+}
+
+TEST_F(SamplingTest, WithoutAMemoryLimitNoMemoryIsTold) {
+  m_settings.Cpu(50);
+  RealMember member(m_settings);
+  const ResourceValuesV2 values = SampleOf(member);
+  EXPECT_EQ(values.memoryBytes, 0U);
+  EXPECT_EQ(values.memoryLimitPercent, 0);
+}
+
+TEST_F(SamplingTest, ChildrenCountAsTheProcess) {
+  m_settings.Memory(1 << 30, 1);
+  RealMember member(m_settings);
+  const ChildProcess child;
+  MonitoredProcess self;
+  const unsigned long long own = self.GetMemoryUsage();
+  member.Children().AddChild(child.Pid());
+  const unsigned long long children = member.Children().GetMemoryUsage();
+  EXPECT_GT(children, 0U);
+  const ResourceValuesV2 values = SampleOf(member);
+  EXPECT_GE(values.memoryBytes, own / 2 + children);
+  EXPECT_GE(member.GetMemoryPressure(), static_cast<double>(children) / (1 << 30));
+}
+
+TEST_F(SamplingTest, Version1ComesBackAsTheOwn) {
+  m_settings.Memory(1 << 30, 1).Version1();
+  RealMember member(m_settings);
+  const ResourceValuesV2 values = SampleOf(member);
+  EXPECT_EQ(member.CountPeers(), 1U);
+  EXPECT_EQ(member.GetCpuAndMemoryUsage().second, std::uint64_t{values.memoryBytes});
+}
+
+TEST_F(SamplingTest, AnUnknownVersionIsAnAssertion) {
+  m_settings.Memory(1 << 30, 1);
+  RealMember member(m_settings);
+  member.StartMonitoring(FreePort());
+  MonitoredProcess self;
+  for (const int version : {0, 3, -1}) {
+    member.m_rvVersion = static_cast<ResourceValuesVersion>(version);
+    EXPECT_EQ(CatchAssertion([&] { member.UpdateResourceValues(self, member.m_ownValues); }), s_unknownVersion);
+  }
+  const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) {});
+  member.UpdateResourceValues(self, member.m_ownValues);
+  EXPECT_EQ(member.CountPeers(), 0U) << "nothing is sent";
+}
+
+TEST(SteadyTimeTest, RunsForwardInNanoseconds) {
+  RealMember member((Settings()));
+  const std::int64_t first = member.GetSteadyTime();
+  EXPECT_TRUE(Eventually([&] { return member.GetReportTime() >= first + 1'000'000; }));
+  EXPECT_LT(member.GetSteadyTime() - first, 120 * s_second);
+}
+
+TEST(PeersTest, ASilentMemberAgesOutByItsOwnInterval) {
+  Member member(Settings().Cpu(50).Interval(60));
+  member.OnValues(PeerValues(1, 0, 0, 0, 3));
+  member.OnValues(PeerValues(2, 0, 0, 0, 5));
+  member.m_now += 3 * s_second - 1;
+  member.PurgePeers();
+  EXPECT_EQ(member.m_peers.size(), 2U);
+  member.m_now += 1;
+  member.PurgePeers();
+  EXPECT_EQ(member.m_peers.size(), 1U);
+  member.m_now += 2 * s_second;
+  member.PurgePeers();
+  EXPECT_TRUE(member.m_peers.empty());
+}
+
+TEST(PeersTest, TheOwnEntryNeverAges) {
+  Member member(Settings().Cpu(50));
+  member.HearSelf();
+  member.m_now += 1000 * s_second;
+  member.PurgePeers();
+  EXPECT_EQ(member.m_peers.size(), 1U);
+}
+
+TEST(PeersTest, AMemberIsHeardAgainAfterItAgedOut) {
+  Member member(Settings().Cpu(50));
+  member.OnValues(PeerValues(1, 10));
+  member.m_now += s_second;
+  member.PurgePeers();
+  EXPECT_TRUE(member.m_peers.empty());
+  member.OnValues(PeerValues(1, 20));
+  member.PurgePeers();
+  EXPECT_EQ(member.m_peers.size(), 1U);
+}
+
+TEST(PeersTest, ALaterDatagramReplacesTheFiguresAndTheTime) {
+  Member member(Settings().Cpu(50));
+  member.OnValues(PeerValues(1, 10, 0, 0, 2));
+  member.m_now += s_second;
+  member.OnValues(PeerValues(1, 20, 0, 0, 2));
+  member.m_now += s_second;
+  member.PurgePeers();
+  ASSERT_EQ(member.m_peers.size(), 1U);
+  EXPECT_EQ(member.m_peers.begin()->second.m_values.cpuPercent, 20);
+}
+
+TEST(PeersTest, AnIntervalThatIsNotStatedIsTheReceiversOwn) {
+  Member member(Settings().Cpu(50).Interval(4));
+  member.OnValues(PeerValues(1, 0, 0, 0, 0));
+  ResourceValuesV1 older;
+  older.pid = 4660;
+  member.OnValues(Widen(older));
+  member.m_now += 4 * s_second - 1;
+  member.PurgePeers();
+  EXPECT_EQ(member.m_peers.size(), 2U);
+  member.m_now += 1;
+  member.PurgePeers();
+  EXPECT_TRUE(member.m_peers.empty());
+}
+
+TEST(PeersTest, AnOwnIntervalWithoutALowByteAgesAtOnce) {
+  Member member(Settings().Cpu(50).Interval(256));
+  member.OnValues(PeerValues(1, 0, 0, 0, 0));
+  member.PurgePeers();
+  EXPECT_TRUE(member.m_peers.empty());
+}
+
+TEST(PeersTest, TheUsageOfTheGroupsViewIsTheOwnEntrys) {
+  Member member(Settings().Cpu(50));
+  member.OnValues(PeerValues(1, 10, 20));
+  EXPECT_EQ(member.GetCpuAndMemoryUsage(), (std::pair<unsigned char, unsigned long long>(0, 0)));
+  member.m_ownValues.cpuPercent = 33;
+  member.m_ownValues.memoryBytes = 44;
+  member.HearSelf();
+  member.m_ownValues.cpuPercent = 99;
+  EXPECT_EQ(member.GetCpuAndMemoryUsage(), (std::pair<unsigned char, unsigned long long>(33, 44)));
+}
+
+}  // namespace
+}  // namespace qilsys::test
