@@ -17,6 +17,18 @@ using Lines = std::vector<std::string>;
 
 constexpr std::int64_t s_second = 1'000'000'000;
 
+/// An identity as the log lines print it.
+inline std::string IdentityText(const ResourceIdentity& identity) {
+  constexpr char digits[] = "0123456789abcdef";
+  std::string text;
+  for (std::size_t i = 0; i < identity.size(); ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+    text += digits[identity[i] >> 4];
+    text += digits[identity[i] & 15];
+  }
+  return text;
+}
+
 /// All that a member is started with. Log lines and termination requests are added to `m_lines`, in one order.
 struct Settings {
   ResourceManager::CpuConfig m_cpu;

@@ -14,21 +14,10 @@ const char* s_memoryUnsuccessful =
     "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.";
 const char* s_allProcesses = "Resource Manager: Logging all CPU/memory info across processes.";
 
-std::string Text(const ResourceIdentity& identity) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  for (std::size_t i = 0; i < identity.size(); ++i) {
-    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
-    text += digits[identity[i] >> 4];
-    text += digits[identity[i] & 15];
-  }
-  return text;
-}
-
 std::string ProcessLine(const ResourceValuesV2& values, const std::string& memory) {
   return "Resource Manager: pid: " + std::to_string(values.pid) + "; Memory info: " + memory +
          " bytes; Memory limit usage: " + std::to_string(values.memoryLimitPercent) +
-         "%; CPU info: " + std::to_string(values.cpuPercent) + "%; uuid=" + Text(values.uuid);
+         "%; CPU info: " + std::to_string(values.cpuPercent) + "%; uuid=" + IdentityText(values.uuid);
 }
 
 /// A member whose CPU use has been over the limit for longer than is allowed.
