@@ -11,9 +11,10 @@
 namespace {
 
 // How many checks make the sustained time. Settings that make no sense count as none, so that the buffer of the rolling
-// mean has room for one sample at least.
+// mean has room for one sample at least. It needs no room for more where there is no rolling mean, and "for ever" is
+// then a sustained time like any other.
 std::size_t WindowOf(const ResourceManager::CpuConfig& cpu, const ResourceManager::GeneralConfig& general) {
-  if (general.m_checkIntervalSeconds <= 0 || cpu.m_sustainedSeconds <= 0) return 0;
+  if (!cpu.m_useRollingMean || general.m_checkIntervalSeconds <= 0 || cpu.m_sustainedSeconds <= 0) return 0;
   return static_cast<std::size_t>(cpu.m_sustainedSeconds / general.m_checkIntervalSeconds);
 }
 

@@ -243,7 +243,8 @@ class ReferenceMember {
 
   static std::string Bytes(unsigned long long n) {
     std::string digits = std::to_string(n);
-    for (auto i = static_cast<int>(digits.size()) - 3; i > 0; i -= 3) digits.insert(static_cast<std::size_t>(i), ",");
+    for (auto i = static_cast<int>(digits.size()) - 3; i > 0; i -= 3)
+      digits.insert(static_cast<std::size_t>(i), 1, ',');
     return digits + " bytes";
   }
 

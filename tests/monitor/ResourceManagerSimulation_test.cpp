@@ -329,23 +329,22 @@ TEST(ResourceManagerSimulationTest, TiesAllYield) {
 }
 
 TEST(ResourceManagerSimulationTest, TheHighestShareOfItsOwnLimitYieldsMemory) {
-  World* world = nullptr;
   OrderlyGroup group(Settings().Memory(1000, 2000).TerminateMemory(1), {{0, 500}, {0, 990}, {0, 700}});
-  world = &group.Get();
-  for (std::size_t i = 0; i < world->Size(); ++i) {
-    world->At(i).m_change = [world](World::Process& p) {
+  World& world = group.Get();
+  bool metered = false;
+  for (std::size_t i = 0; i < world.Size(); ++i) {
+    world.At(i).m_change = [&](World::Process& p) {
       p.m_total = 0;
-      for (std::size_t other = 0; other < world->Size(); ++other) {
-        if (world->At(other).m_alive) p.m_total += world->At(other).m_reading.m_memoryBytes;
+      for (std::size_t other = 0; metered && other < world.Size(); ++other) {
+        if (world.At(other).m_alive) p.m_total += world.At(other).m_reading.m_memoryBytes;
       }
     };
   }
-  // In the first round nobody has heard of anybody, and each is the highest it knows; so let them meet below the limit.
-  for (std::size_t i = 0; i < world->Size(); ++i) world->At(i).m_reading.m_memoryBytes /= 10;
-  world->RunUntil(3 * s_second - 1);
-  for (std::size_t i = 0; i < world->Size(); ++i) world->At(i).m_reading.m_memoryBytes *= 10;
-  world->RunUntil(60 * s_second);
-  EXPECT_EQ(world->Ended(), std::vector<std::size_t>{1});
+  // In its first pass a member has heard of nobody and is the highest it knows; so all are to have met before.
+  world.RunUntil(3 * s_second - 1);
+  metered = true;
+  world.RunUntil(60 * s_second);
+  EXPECT_EQ(world.Ended(), std::vector<std::size_t>{1});
 }
 
 TEST(ResourceManagerSimulationTest, ASilentMemberAgesOutByItsOwnInterval) {

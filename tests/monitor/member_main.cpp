@@ -1,0 +1,114 @@
+// A member of a group, for tests of real processes. It writes one line for each thing that happens, and takes commands
+// from standard input; the end of that input is "quit".
+//
+//   arguments: port memory-limit all-processes-limit cpu-limit version (port 0: no monitoring)
+//   commands:  grow BYTES | shrink | burn | cache BYTES | child PID | unchild PID | usage | quit
+#include <signal.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "qilsys/QuillonException.h"
+#include "qilsys/ResourceManager.h"
+
+namespace {
+
+void Say(const std::string& line) {
+  static std::mutex s_mutex;
+  const std::lock_guard lock(s_mutex);
+  std::cout << line << std::endl;
+}
+
+class Host {
+ public:
+  // False where monitoring could not be started.
+  bool Start(const std::vector<std::string>& arguments) {
+    const auto port = static_cast<unsigned short>(std::stoul(arguments.at(0)));
+    if (port == 0) return true;
+    ResourceManager::MemoryConfig memory;
+    memory.m_perProcessLimit = std::stoull(arguments.at(1));
+    memory.m_allProcessesLimit = std::stoull(arguments.at(2));
+    memory.m_terminateOnExcess = true;
+    memory.m_terminateCode = 41;
+    ResourceManager::CpuConfig cpu;
+    cpu.m_maxCpuPercent = static_cast<std::uint32_t>(std::stoul(arguments.at(3)));
+    cpu.m_sustainedSeconds = 1;
+    cpu.m_terminateOnExcess = true;
+    cpu.m_terminateCode = 42;
+    ResourceManager::GeneralConfig general;
+    general.m_infoEveryChecks = 1;
+    general.m_useVersion1 = arguments.at(4) == "1";
+    general.m_logFunc = [](const TStringCore& line) { Say(line.toStdString()); };
+    general.m_terminateFunc = [](unsigned char code, const TStringCore& reason) {
+      Say("TERMINATE " + reason.toStdString());
+      _exit(code);
+    };
+    try {
+      ResourceManager::Start(port, cpu, memory, general);
+    } catch (const std::exception& failure) {
+      Say(std::string("FAILED ") + failure.what());
+      return false;
+    }
+    return true;
+  }
+
+  void Run() {
+    std::string line;
+    while (std::getline(std::cin, line) && line != "quit") {
+      std::istringstream words(line);
+      std::string command;
+      unsigned long long number = 0;
+      words >> command >> number;
+      Obey(command, number);
+      Say("DONE " + command);
+    }
+    ResourceManager::Stop();
+  }
+
+ private:
+  void Obey(const std::string& command, unsigned long long number) {
+    if (command == "grow") m_blocks.emplace_back(number, '\1');
+    if (command == "shrink") m_blocks.clear();
+    if (command == "burn") Burn();
+    if (command == "cache") Cache(number);
+    if (command == "child") ResourceManager::RegisterChildProcessId(static_cast<unsigned int>(number));
+    if (command == "unchild") ResourceManager::UnregisterChildProcessId(static_cast<unsigned int>(number));
+    if (command == "usage") Say("USAGE " + std::to_string(ResourceManager::GetCpuAndMemoryUsage().second));
+  }
+
+  static void Burn() {
+    std::thread([] {
+      for (std::atomic<unsigned int> turns = 0;; ++turns) continue;
+    }).detach();
+  }
+
+  // What is grown after this is given back when the monitor asks for it.
+  void Cache(unsigned long long bytes) {
+    m_cache.assign(bytes, '\1');
+    ResourceManager::AddReclaimMemoryFunction(u"cache", [this](double) { std::vector<char>().swap(m_cache); });
+  }
+
+  std::vector<std::vector<char>> m_blocks;
+  std::vector<char> m_cache;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  Host host;
+  Say("READY");
+  if (!host.Start(std::vector<std::string>(argv + 1, argv + argc))) return 3;
+  host.Run();
+  return 0;
+}
