@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <string>
@@ -68,11 +69,12 @@ class MemberProcess {
     return Await([&](const std::string& other) { return other == line; }, from);
   }
 
-  /// Waits for a line, written after this call, that counts `count` members.
-  bool AwaitInfoCount(int count) {
+  /// Waits for a line, after the first `from` or after all that are there now, that counts `count` members.
+  bool AwaitInfoCount(int count, std::size_t from) {
     const std::string end = "; " + std::to_string(count) + " (info count)";
-    return Await([&](const std::string& line) { return line.ends_with(end); }, Lines().size());
+    return Await([&](const std::string& line) { return line.ends_with(end); }, from);
   }
+  bool AwaitInfoCount(int count) { return AwaitInfoCount(count, Lines().size()); }
 
   /// How many of the lines so far are `line`.
   long Count(const std::string& line) { return std::count(Lines().begin(), Lines().end(), line); }

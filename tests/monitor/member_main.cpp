@@ -92,13 +92,18 @@ class Host {
     }).detach();
   }
 
-  // What is grown after this is given back when the monitor asks for it.
+  // Grows by what is given back when the monitor asks for it; the monitor may ask before all of it is there.
   void Cache(unsigned long long bytes) {
+    const std::lock_guard lock(m_cacheMutex);
+    ResourceManager::AddReclaimMemoryFunction(u"cache", [this](double) {
+      const std::lock_guard inner(m_cacheMutex);
+      std::vector<char>().swap(m_cache);
+    });
     m_cache.assign(bytes, '\1');
-    ResourceManager::AddReclaimMemoryFunction(u"cache", [this](double) { std::vector<char>().swap(m_cache); });
   }
 
   std::vector<std::vector<char>> m_blocks;
+  std::mutex m_cacheMutex;
   std::vector<char> m_cache;
 };
 
