@@ -68,7 +68,9 @@ int RemoveCodePoints(TCodeUnit* text, int length, const CodePoints& set, int sta
   if (match < 0) return length;
   int kept = match;
   while (match >= 0) {
-    const int from = match + std::max(CodePoint::CountCodeUnits(text + match), 1);
+    int units = 0;
+    CodePoint::GetCodePoint(text + match, &units);
+    const int from = match + units;
     match = FindCodePoint(text, length, set, from);
     const int to = match >= 0 ? match : from + search::lengthToNul(text + from, length - from);
     std::copy(text + from, text + to, text + kept);

@@ -264,7 +264,7 @@ TEST(OperatorNew, IsCountedInAllItsForms) {
   if (UnderSanitizer) GTEST_SKIP() << "the sanitizer's operators may win";
   constexpr auto Aligned = std::align_val_t{64};
   ExpectOnePair([] { return ::operator new(10); }, [](void* p) { ::operator delete(p); });
-  ExpectOnePair([] { return ::operator new(10); }, [](void* p) { ::operator delete(p, std::size_t{10}); });
+  ExpectOnePair([] { return ::operator new(10); }, [](void* p) { ::operator delete (p, std::size_t{10}); });
   ExpectOnePair([] { return ::operator new[](10); }, [](void* p) { ::operator delete[](p); });
   ExpectOnePair([] { return ::operator new[](10); }, [](void* p) { ::operator delete[](p, std::size_t{10}); });
   ExpectOnePair([] { return ::operator new(10, std::nothrow); }, [](void* p) { ::operator delete(p, std::nothrow); });
@@ -279,9 +279,9 @@ TEST(OperatorNew, IsCountedInAllItsForms) {
 
 TEST(OperatorNew, AlignsAndGivesRoomForNothing) {
   for (std::size_t alignment = 8; alignment <= 4096; alignment *= 2) {
-    void* block = ::operator new(10, std::align_val_t{alignment});
+    void* block = ::operator new (10, std::align_val_t{alignment});
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % alignment, 0U);
-    ::operator delete(block, std::align_val_t{alignment});
+    ::operator delete (block, std::align_val_t{alignment});
   }
   void* nothing = ::operator new(0);
   EXPECT_NE(nothing, nullptr);

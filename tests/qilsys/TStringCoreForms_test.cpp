@@ -236,7 +236,8 @@ TEST(TStringCoreForms, WideBuffersAreEditedInPlace) {
   EXPECT_EQ(TStringCore::removeAnyOf(zero, L"b\u00E9"), 2);
   EXPECT_EQ(zero[2], 0x30);
   wchar_t replaced[] = L"a\U0001F600b\U0001F600";
-  EXPECT_EQ(TStringCore::replaceAnyOf(replaced, L"\U0001F600", L'x', WideIsCodePoints ? 2 : 3), WideIsCodePoints ? 4 : 5);
+  EXPECT_EQ(TStringCore::replaceAnyOf(replaced, L"\U0001F600", L'x', WideIsCodePoints ? 2 : 3),
+            WideIsCodePoints ? 4 : 5);
   EXPECT_EQ(std::wstring(replaced), L"a\U0001F600bx");
   wchar_t lines[] = L"a\r\n\U0001F600";
   EXPECT_EQ(TStringCore::dosToUnix(lines), WideIsCodePoints ? 3 : 4);

@@ -49,8 +49,7 @@ Outcome OutcomeOf(Step step) {
 const Outcome Overflow{Raised::Capacity, "String capacity overflow."};
 const Outcome Negative{Raised::Plain, "Negative allocation size; probable overflow"};
 const Outcome NegativePromotion{Raised::Plain, "Allocation size less than zero; probable capacity overflow"};
-const Outcome NegativeReallocation{Raised::Plain,
-                                   "Allocation capacity is less than zero; probable capacity overflow."};
+const Outcome NegativeReallocation{Raised::Plain, "Allocation capacity is less than zero; probable capacity overflow."};
 const Outcome NoMemory{Raised::OutOfMemory, "Out of memory"};
 
 struct GrowthRow {
@@ -74,26 +73,24 @@ constexpr auto Exact = TStringCore::GrowExact;
 
 INSTANTIATE_TEST_SUITE_P(
     Modes, NextCapacity,
-    testing::Values(GrowthRow{"GeometricFits", Geometric, 0, 14, 15}, GrowthRow{"GeometricFifteen", Geometric, 0, 15, 18},
-                    GrowthRow{"GeometricSixteen", Geometric, 0, 16, 18},
-                    GrowthRow{"GeometricSeventeen", Geometric, 0, 17, 26},
-                    GrowthRow{"GeometricHeld", Geometric, 20, 25, 26 + 16},
-                    GrowthRow{"GeometricInHeldBlock", Geometric, 20, 25 - 1, 26},
-                    GrowthRow{"GeometricSmallInHeldBlock", Geometric, 20, 3, 26},
-                    GrowthRow{"GeometricThousand", Geometric, 0, 1000, 1018},
-                    GrowthRow{"GeometricNextStep", Geometric, 0, 1017, 1530},
-                    GrowthRow{"GeometricHuge", Geometric, 0, 0x60000000, MaxCapacity},
-                    GrowthRow{"GeometricBelowThreeQuarters", Geometric, 0, 0x5FFFFFF8, 0x60000000 - 6},
-                    GrowthRow{"GeometricAtThreeQuarters", Geometric, 0, 0x5FFFFFF9, MaxCapacity},
-                    GrowthRow{"GeometricLongest", Geometric, 0, Longest, MaxCapacity},
-                    GrowthRow{"UnknownModeIsGeometric", static_cast<TStringCore::GrowthMode>(7), 0, 17, 26},
-                    GrowthRow{"AtLeastFits", AtLeast, 0, 14, 15}, GrowthRow{"AtLeastFifteen", AtLeast, 0, 15, 16},
-                    GrowthRow{"AtLeastInHeldBlock", AtLeast, 20, 25, 26},
-                    GrowthRow{"AtLeastBeyondHeldBlock", AtLeast, 20, 26, 27},
-                    GrowthRow{"AtLeastWraps", AtLeast, 0, 0x7FFFFFFF, -0x7FFFFFFF - 1},
-                    GrowthRow{"ExactFits", Exact, 0, 14, 15}, GrowthRow{"ExactFifteen", Exact, 0, 15, 16},
-                    GrowthRow{"ExactShrinks", Exact, 100, 20, 21}, GrowthRow{"ExactToInline", Exact, 100, 3, 15},
-                    GrowthRow{"ExactWraps", Exact, 0, 0x7FFFFFFF, -0x7FFFFFFF - 1}),
+    testing::Values(
+        GrowthRow{"GeometricFits", Geometric, 0, 14, 15}, GrowthRow{"GeometricFifteen", Geometric, 0, 15, 18},
+        GrowthRow{"GeometricSixteen", Geometric, 0, 16, 18}, GrowthRow{"GeometricSeventeen", Geometric, 0, 17, 26},
+        GrowthRow{"GeometricBeyondHeldBlock", Geometric, 20, 26, 42},
+        GrowthRow{"GeometricInHeldBlock", Geometric, 20, 25, 26},
+        GrowthRow{"GeometricSmallInHeldBlock", Geometric, 20, 3, 26},
+        GrowthRow{"GeometricThousand", Geometric, 0, 1000, 1018},
+        GrowthRow{"GeometricNextStep", Geometric, 0, 1017, 1530},
+        GrowthRow{"GeometricHuge", Geometric, 0, 0x60000000, MaxCapacity},
+        GrowthRow{"GeometricBelowThreeQuarters", Geometric, 0, 0x5FFFFFF8, 0x60000000 - 6},
+        GrowthRow{"GeometricAtThreeQuarters", Geometric, 0, 0x5FFFFFF9, MaxCapacity},
+        GrowthRow{"GeometricLongest", Geometric, 0, Longest, MaxCapacity},
+        GrowthRow{"UnknownModeIsGeometric", static_cast<TStringCore::GrowthMode>(7), 0, 17, 26},
+        GrowthRow{"AtLeastFits", AtLeast, 0, 14, 15}, GrowthRow{"AtLeastFifteen", AtLeast, 0, 15, 16},
+        GrowthRow{"AtLeastInHeldBlock", AtLeast, 20, 25, 26}, GrowthRow{"AtLeastBeyondHeldBlock", AtLeast, 20, 26, 27},
+        GrowthRow{"AtLeastWraps", AtLeast, 0, 0x7FFFFFFF, -0x7FFFFFFF - 1}, GrowthRow{"ExactFits", Exact, 0, 14, 15},
+        GrowthRow{"ExactFifteen", Exact, 0, 15, 16}, GrowthRow{"ExactShrinks", Exact, 100, 20, 21},
+        GrowthRow{"ExactToInline", Exact, 100, 3, 15}, GrowthRow{"ExactWraps", Exact, 0, 0x7FFFFFFF, -0x7FFFFFFF - 1}),
     [](const auto& row) { return row.param.name; });
 
 TEST(TStringCoreLimits, GeometricGrowthEndsAtTheLimit) {

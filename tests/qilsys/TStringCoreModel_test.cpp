@@ -89,7 +89,9 @@ class Walk {
 
   static const std::vector<Edit>& Edits() {
     static const std::vector<Edit> s_edits = {
-        [](Walk& w) { w.m_model.Append(w.m_argument.units), w.m_text.append(w.m_argument.data, w.m_argument.length()); },
+        [](Walk& w) {
+          w.m_model.Append(w.m_argument.units), w.m_text.append(w.m_argument.data, w.m_argument.length());
+        },
         [](Walk& w) { w.m_model.Append(std::u16string(1, w.m_unit)), w.m_text.append(w.m_unit); },
         [](Walk& w) { w.m_model.Append(w.m_model.units()), w.m_text.append(w.m_text); },
         [](Walk& w) { w.m_model.Assign(w.m_argument.units), w.AssignArgument(); },
@@ -108,8 +110,8 @@ class Walk {
         },
         [](Walk& w) {
           const int wanted = w.m_model.ReplaceCount(w.m_argument.units, w.m_second.units);
-          const int count = w.m_text.replaceCount(w.m_argument.data, w.m_argument.length(), w.m_second.data,
-                                                  w.m_second.length());
+          const int count =
+              w.m_text.replaceCount(w.m_argument.data, w.m_argument.length(), w.m_second.data, w.m_second.length());
           ASSERT_EQ(count, wanted);
         },
         [](Walk& w) { w.m_model.ReplaceUnit(w.m_unit, u'z'), w.m_text.replace(w.m_unit, u'z'); },

@@ -53,21 +53,20 @@ TEST_P(RemoveAnyOf, FromABuffer) {
 
 INSTANTIATE_TEST_SUITE_P(
     Sets, RemoveAnyOf,
-    testing::Values(RemovalRow{"OneUnit", u"abcabc", u"b", 0, u"acac", 0},
-                    RemovalRow{"OneUnitFromStart", u"abcabc", u"b", 2, u"abcac", 0},
-                    RemovalRow{"OneUnitAll", u"bbb", u"b", 0, u"", 0},
-                    RemovalRow{"OneWideUnit", u"a\u00E9c", u"\u00E9", 0, u"ac", 0},
-                    RemovalRow{"Ascii", u"abc\u00E9abc", u"ac", 0, u"b\u00E9b", 0},
-                    RemovalRow{"AsciiFromStart", u"abcabc", u"ac", 3, u"abcb", 0},
-                    RemovalRow{"NotAscii", u"abc", u"b\u00E9", 0, u"ac", u'0'},
-                    RemovalRow{"NotAsciiNoMatch", u"abc", u"x\u00E9", 0, u"abc", 0},
-                    RemovalRow{"Surrogates", u"a\U0001F600b\U0001F601", u"\U0001F600b", 0, u"a\U0001F601", 0},
-                    RemovalRow{"SurrogatesKeepLoneHalves", u"\xD83D\U0001F600\xDE00", u"\U0001F600", 0, u"\xD83D\xDE00", 0},
-                    RemovalRow{"LoneSurrogateIsReplacement", u"a\xFFFD\xD800z", u"\xDC00", 0, u"az", 0},
-                    RemovalRow{"EmptySet", u"abc", u"", 0, u"abc", 0},
-                    RemovalRow{"NegativeStart", u"abc", u"a", -1, u"abc", 0},
-                    RemovalRow{"StartPastTheEnd", u"abc", u"a", 9, u"abc", 0},
-                    RemovalRow{"EmptyText", u"", u"a", 0, u"", 0}),
+    testing::Values(
+        RemovalRow{"OneUnit", u"abcabc", u"b", 0, u"acac", 0},
+        RemovalRow{"OneUnitFromStart", u"abcabc", u"b", 2, u"abcac", 0},
+        RemovalRow{"OneUnitAll", u"bbb", u"b", 0, u"", 0},
+        RemovalRow{"OneWideUnit", u"a\u00E9c", u"\u00E9", 0, u"ac", 0},
+        RemovalRow{"Ascii", u"abc\u00E9abc", u"ac", 0, u"b\u00E9b", 0},
+        RemovalRow{"AsciiFromStart", u"abcabc", u"ac", 3, u"abcb", 0},
+        RemovalRow{"NotAscii", u"abc", u"b\u00E9", 0, u"ac", u'0'},
+        RemovalRow{"NotAsciiNoMatch", u"abc", u"x\u00E9", 0, u"abc", 0},
+        RemovalRow{"Surrogates", u"a\U0001F600b\U0001F601", u"\U0001F600b", 0, u"a\U0001F601", 0},
+        RemovalRow{"SurrogatesKeepLoneHalves", u"\xD83D\U0001F600\xDE00", u"\U0001F600", 0, u"\xD83D\xDE00", 0},
+        RemovalRow{"LoneSurrogateIsReplacement", u"a\xFFFD\xD800z", u"\xDC00", 0, u"az", 0},
+        RemovalRow{"EmptySet", u"abc", u"", 0, u"abc", 0}, RemovalRow{"NegativeStart", u"abc", u"a", -1, u"abc", 0},
+        RemovalRow{"StartPastTheEnd", u"abc", u"a", 9, u"abc", 0}, RemovalRow{"EmptyText", u"", u"a", 0, u"", 0}),
     [](const auto& row) { return row.param.name; });
 
 TEST(RemoveAnyOfTest, NullsChangeNothing) {
@@ -234,7 +233,8 @@ TEST(Trim, ASet) {
 }
 
 TEST(Trim, ASetOfCodePoints) {
-  EXPECT_EQ(UnitsOf(TStringCore(u"\U0001F600a\U0001F601\U0001F600").trimRight(u"\U0001F600\U0001F601")), u"\U0001F600a");
+  EXPECT_EQ(UnitsOf(TStringCore(u"\U0001F600a\U0001F601\U0001F600").trimRight(u"\U0001F600\U0001F601")),
+            u"\U0001F600a");
   EXPECT_EQ(UnitsOf(TStringCore(u"\U0001F600a\U0001F601").trim(u"\U0001F600\U0001F601")), u"a");
   EXPECT_EQ(UnitsOf(TStringCore(u"a\U0001F602").trimRight(u"\U0001F600\U0001F601")), u"a\U0001F602");
 }

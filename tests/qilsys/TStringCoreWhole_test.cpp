@@ -95,8 +95,7 @@ INSTANTIATE_TEST_SUITE_P(
                     LineRow{"CrLf", u"a\r\nb", u"a\nb", u"a\r\nb"}, LineRow{"CrCrLf", u"a\r\r\nb", u"a\nb", u"a\r\nb"},
                     LineRow{"CrLfLf", u"a\r\n\nb", u"a\n\nb", u"a\r\n\r\nb"},
                     LineRow{"Lf", u"a\nb", u"a\nb", u"a\r\nb"}, LineRow{"LfLf", u"\n\n", u"\n\n", u"\r\n\r\n"},
-                    LineRow{"LoneCr", u"a\rb", u"a\nb", u"a\r\nb"},
-                    LineRow{"CrAtTheEnd", u"a\r", u"a\n", u"a\r\n"},
+                    LineRow{"LoneCr", u"a\rb", u"a\nb", u"a\r\nb"}, LineRow{"CrAtTheEnd", u"a\r", u"a\n", u"a\r\n"},
                     LineRow{"CrAfterLfOnceBegun", u"a\r\nb\n\rc", u"a\nb\nc", u"a\r\nb\r\nc"}),
     [](const auto& row) { return row.param.name; });
 

@@ -75,7 +75,8 @@ void TextModel::ReplaceByUnit(int pos, int n, char16_t c) {
 int TextModel::ReplaceCount(const std::u16string& before, const std::u16string& after) {
   if (before.empty()) return 0;
   int count = 0;
-  for (std::size_t at = m_units.find(before); at != std::u16string::npos; at = m_units.find(before, at + after.size())) {
+  for (std::size_t at = m_units.find(before); at != std::u16string::npos;
+       at = m_units.find(before, at + after.size())) {
     m_units.replace(at, before.size(), after);
     ++count;
   }
@@ -101,7 +102,8 @@ void TextModel::RemoveAt(int pos, int n) {
 
 void TextModel::RemoveAll(const std::u16string& s) {
   if (s.empty() || s[0] == 0) return;
-  for (std::size_t at = m_units.find(s); at != std::u16string::npos; at = m_units.find(s, at)) m_units.erase(at, s.size());
+  for (std::size_t at = m_units.find(s); at != std::u16string::npos; at = m_units.find(s, at))
+    m_units.erase(at, s.size());
 }
 
 void TextModel::RemoveUnit(char16_t c) {
@@ -121,13 +123,17 @@ void TextModel::RemoveAnyOf(const std::u16string& set, int start) {
     const auto members = Points(set);
     const std::u16string rest = m_units.substr(At(start), m_units.find(u'\0', At(start)) - At(start));
     for (const Point& p : Points(rest)) {
-      if (Holds(members, p.value)) removed = true;
-      else kept += p.units;
+      if (Holds(members, p.value))
+        removed = true;
+      else
+        kept += p.units;
     }
   } else {
     for (const char16_t c : m_units.substr(At(start))) {
-      if (set.find(c) != std::u16string::npos) removed = true;
-      else kept += c;
+      if (set.find(c) != std::u16string::npos)
+        removed = true;
+      else
+        kept += c;
     }
   }
   if (removed) m_units = kept;
@@ -184,7 +190,8 @@ void TextModel::DosToUnix() {
   std::u16string out;
   std::size_t i = 0;
   for (; i < m_units.size(); ++i) {
-    const bool meetsAnother = m_units[i] == u'\r' && i + 1 < m_units.size() && (m_units[i + 1] == u'\r' || m_units[i + 1] == u'\n');
+    const bool meetsAnother =
+        m_units[i] == u'\r' && i + 1 < m_units.size() && (m_units[i + 1] == u'\r' || m_units[i + 1] == u'\n');
     if (meetsAnother) break;
     out += m_units[i] == u'\r' ? u'\n' : m_units[i];
   }

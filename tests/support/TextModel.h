@@ -14,7 +14,8 @@ class TextModel {
 
   void Append(const std::u16string& s) { m_units += s; }
   void Assign(const std::u16string& s) { m_units = s; }
-  /// `own` is the offset of the text to insert in this text, -1 where it is another; it is read once the tail has moved.
+  /// `own` is the offset of the text to insert in this text, -1 where it is another; it is read once the tail has
+  /// moved.
   void Insert(int i, const std::u16string& s, int own);
   void InsertUnit(int i, char16_t c);
   void Replace(int pos, int n, const std::u16string& s, int own);
