@@ -12,8 +12,8 @@ template <class T>
 concept NarrowUnit = std::same_as<T, char>;
 
 /// The converted text of one argument, NUL-terminated, alive as long as this object. Where both unit types have 16 bits
-/// the units are those of the argument itself; otherwise each element is a code point: one above U+10FFFF becomes U+FFFD
-/// and a surrogate value passes as one unit. Never null-tests for the caller: null stays null.
+/// the units are those of the argument itself; otherwise each element is a code point: one above U+10FFFF becomes
+/// U+FFFD and a surrogate value passes as one unit. Never null-tests for the caller: null stays null.
 class QILSYS_API TForeignText {
  public:
   /// Converts `len` elements of `s`, or up to its NUL where `len` is negative. Raises TStringCore::CapacityException
@@ -73,7 +73,8 @@ class QILSYS_API TForeignBuffer {
   TCodeUnit* data() noexcept { return m_units; }
   /// As TForeignText::UnitIndex.
   int UnitIndex(int elementIndex) const noexcept { return m_text.UnitIndex(elementIndex); }
-  /// Writes the first `units` units and the unit behind them back to the buffer and gives the elements before the latter.
+  /// Writes the first `units` units and the unit behind them back to the buffer and gives the elements before the
+  /// latter.
   int Store(int units) noexcept;
 
  private:

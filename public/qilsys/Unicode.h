@@ -103,7 +103,8 @@ int SubStringSizeInCodeUnits(const U* text, int length, int start, int codePoint
 /// A negative `length` means up to the NUL. Null source, or target equal to source: 0. Null target: the length.
 QILSYS_API int StringValidateCopy(const TCodeUnit* source, int length, TCodeUnit* target, int capacity);
 template <TextUnit S, TextUnit T>
-requires(ForeignUnit<S> || ForeignUnit<T>) int StringValidateCopy(const S* source, int length, T* target, int capacity);
+  requires(ForeignUnit<S> || ForeignUnit<T>)
+int StringValidateCopy(const S* source, int length, T* target, int capacity);
 template <ForeignUnit T>
 int StringValidateCopy(std::nullptr_t, int, T*, int) {
   return 0;
@@ -117,8 +118,8 @@ int StringValidateCopy(const S* source, int length, std::nullptr_t, int capacity
 /// `length` is not below `capacity`, where the target then holds an empty text.
 QILSYS_API size_t toWCharArray(const TCodeUnit* source, size_t length, TCodeUnit* target, size_t capacity);
 template <TextUnit S, TextUnit T>
-requires(ForeignUnit<S> || ForeignUnit<T>) size_t
-    toWCharArray(const S* source, size_t length, T* target, size_t capacity);
+  requires(ForeignUnit<S> || ForeignUnit<T>)
+size_t toWCharArray(const S* source, size_t length, T* target, size_t capacity);
 template <ForeignUnit S>
 size_t toWCharArray(const S*, size_t, std::nullptr_t, size_t) {
   return 0;

@@ -1,4 +1,4 @@
-// The conversions and measures of Unicode.h on chosen texts; UnicodeOracle_test.cpp compares them with ICU.
+// The conversions and measures of Unicode.h on chosen texts; UnicodeBulk_test.cpp compares them with ICU.
 
 #include <gtest/gtest.h>
 
