@@ -41,3 +41,6 @@ class ResourceManager;
 class ResourceReporter;
 class MonitoredProcess;
 struct ProcessMemoryInfo;  // MonitoredProcess.h
+
+// Hashing
+class sha2;

@@ -31,3 +31,4 @@
 #include "qilsys/TStringOptions.h"
 #include "qilsys/TSystem.h"
 #include "qilsys/Unicode.h"
+#include "qilsys/sha2.h"
