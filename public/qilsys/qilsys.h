@@ -4,6 +4,7 @@
 #include "qilsys/CodePoint.h"
 #include "qilsys/Export.h"
 #include "qilsys/Fwd.h"
+#include "qilsys/KMP.h"
 #include "qilsys/LogicException.h"
 #include "qilsys/MonitoredProcess.h"
 #include "qilsys/QuillonError.h"
