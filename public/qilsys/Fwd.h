@@ -7,6 +7,9 @@ class TStringCore;
 class TFormatStringCore;
 class TForeignText;
 class TForeignBuffer;  // TForeignText.h
+namespace KMP {
+class StringTable;  // KMP.h
+}
 
 // Errors
 class QuillonError;

@@ -19,6 +19,8 @@ def listed_in(folder):
 
 
 def is_listed(path):
+    if path.startswith('tests/support/'):
+        return any(f'support/{os.path.basename(path)}' in read(f) for f in tracked('tests/*CMakeLists.txt'))
     names = [os.path.basename(path)]
     names += [re.sub(r'_(linux|win)\.cpp$', '_${QILSYS_SYSTEM}.cpp', names[0])]
     return any(re.search(r'(?<![\w.-])' + re.escape(n) + r'(?![\w.-])', listed_in(os.path.dirname(path))) for n in names)
@@ -33,11 +35,20 @@ concepts = {}
 for path in tracked('main/*.cpp', 'main/*.h', 'public/*.h'):
     concepts.setdefault(stem(path), []).append(path)
 
+
+def is_about(path, area):
+    """Whether the stem is a concept of the area, or such a concept cut further: TStringCoreLimits is about TStringCore."""
+    for concept, homes in concepts.items():
+        if re.match(re.escape(concept) + r'(?![a-z0-9])', stem(path)):
+            if any(h.startswith((f'main/{area}/', 'public/')) for h in homes):
+                return True
+    return False
+
+
 for path in tracked('tests/*_test.cpp', 'benchmarks/*_benchmark.cpp'):
     area = os.path.basename(os.path.dirname(path))
-    homes = concepts.get(stem(path), [])
-    if not any(h.startswith((f'main/{area}/', 'public/')) for h in homes):
-        report.wrong(path, f'no {stem(path)}.cpp or .h in main/{area} or public/qilsys')
+    if not is_about(path, area):
+        report.wrong(path, f'no {stem(path)}.cpp or .h, nor one that its name begins with, in main/{area} or public/qilsys')
 
 for path in tracked('tests/*.cpp'):
     if not path.endswith('_test.cpp') and not path.startswith(('tests/support/', 'tests/install/')):
