@@ -1,0 +1,122 @@
+#include "demo/Report.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+
+#include "demo/Screen.h"
+#include "qilsys/TFormatStringCore.h"
+
+namespace demo {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+double InMiB(unsigned long long bytes) { return static_cast<double>(bytes) / MiB; }
+
+std::ofstream OpenForWriting(const fs::path& file) {
+  std::ofstream out(file);
+  if (!out) throw std::runtime_error("Can't write " + file.string());
+  return out;
+}
+
+void WriteValues(const Chronicle& chronicle, const fs::path& file) {
+  std::ofstream out = OpenForWriting(file);
+  out << "seconds";
+  for (const char* name : MemberNames) out << ',' << name << " MiB," << name << " CPU %";
+  out << ",group MiB\n";
+  for (const Sample& sample : chronicle.m_samples) {
+    unsigned long long total = 0;
+    out << sample.m_seconds;
+    for (const Usage& usage : sample.m_usage) {
+      total += usage.m_bytes;
+      if (usage.m_running) {
+        out << ',' << InMiB(usage.m_bytes) << ',' << usage.m_cpuPercent;
+      } else {
+        out << ",,";
+      }
+    }
+    out << ',' << InMiB(total) << '\n';
+  }
+}
+
+void WriteEvents(const Chronicle& chronicle, const fs::path& file) {
+  std::ofstream out = OpenForWriting(file);
+  out << "seconds,member,event\n";
+  for (const Event& event : chronicle.m_events) {
+    const TStringCore text = TStringCore(event.m_text).replace(u"\"", u"\"\"");
+    out << event.m_seconds << ',' << MemberNames[event.m_member] << ",\"" << text.toStdString() << "\"\n";
+  }
+}
+
+/// The marks of the events, as lines across a panel; the names stand in the upper one, in two rows for legibility.
+void MarkEvents(std::ostream& out, const Chronicle& chronicle, bool named) {
+  int tag = 0;
+  for (const Event& event : chronicle.m_events) {
+    if (!event.m_marked) continue;
+    ++tag;
+    out << "set arrow " << tag << " from " << event.m_seconds << ", graph 0 to " << event.m_seconds
+        << ", graph 1 nohead dashtype 3 linecolor rgb '#888888'\n";
+    if (!named) continue;
+    TStringCore text = TStringCore(MemberNames[event.m_member]) + u" " + event.m_text;
+    out << "set label " << tag << " '" << text.replace(u'\'', u' ').toStdString() << "' at " << event.m_seconds
+        << ", graph 0.98 rotate by 90 right offset 0.6,0 font ',9' textcolor rgb '#444444'\n";
+  }
+}
+
+void WritePlot(const Chronicle& chronicle, const fs::path& file) {
+  std::ofstream out = OpenForWriting(file);
+  out << "set terminal svg size 1100,900 font 'sans,12' background 'white'\n"
+         "set output 'memory.svg'\n"
+         "set datafile separator ','\n"
+         "set multiplot layout 2,1 title 'Memory of a group that keeps itself within limits'\n"
+         "set grid ytics\nset xlabel 'seconds'\nset ylabel 'MiB'\nset key outside right top\n";
+  MarkEvents(out, chronicle, true);
+  out << "set yrange [0:" << InMiB(Limits::PerProcess) * 2 << "]\n";
+  out << "plot " << InMiB(Limits::PerProcess)
+      << " title 'limit of a member' linecolor rgb 'red' linewidth 2 dashtype 2";
+  for (size_t i = 0; i < MemberNames.size(); ++i) {
+    out << ", \\\n  'memory.csv' every ::1 using 1:" << 2 + 2 * i << " with lines linewidth 2 title '" << MemberNames[i]
+        << "'";
+  }
+  out << "\nunset label\nset yrange [0:*]\n";
+  out << "plot " << InMiB(Limits::AllProcesses)
+      << " title 'limit of the group' linecolor rgb 'red' linewidth 2 dashtype 2, \\\n  'memory.csv' every ::1 using 1:"
+      << 2 + 2 * MemberNames.size() << " with filledcurves y=0 fillstyle transparent solid 0.3 title 'group'\n";
+}
+
+bool DrawPicture(const fs::path& folder) {
+  const std::string command = "cd '" + folder.string() + "' && gnuplot memory.gp";
+  return std::system(command.c_str()) == 0 && fs::exists(folder / "memory.svg");
+}
+
+}  // namespace
+
+void PrintSummary(const Chronicle& chronicle) {
+  std::cout << "\nWhat each member did, and why:\n";
+  for (size_t i = 0; i < MemberNames.size(); ++i) {
+    std::cout << "  " << MemberNames[i] << "\n";
+    for (const Event& event : chronicle.m_events) {
+      if (event.m_member != i) continue;
+      std::cout << "    " << Moment(event.m_seconds).toStdString() << " " << event.m_text.toStdString() << "\n";
+    }
+  }
+}
+
+void WriteFiles(const Chronicle& chronicle, const fs::path& folder) {
+  fs::create_directories(folder);
+  WriteValues(chronicle, folder / "memory.csv");
+  WriteEvents(chronicle, folder / "events.csv");
+  WritePlot(chronicle, folder / "memory.gp");
+  std::cout << "\nValues:  " << (folder / "memory.csv").string() << "\nEvents:  " << (folder / "events.csv").string()
+            << "\n";
+  if (DrawPicture(folder)) {
+    std::cout << "Picture: " << (folder / "memory.svg").string() << "\n";
+  } else {
+    std::cout << "Picture: not drawn, since gnuplot did not run (Debian's package is gnuplot-nox)\n";
+  }
+}
+
+}  // namespace demo
