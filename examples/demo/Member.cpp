@@ -22,12 +22,12 @@ namespace {
 class GroupMemory {
  public:
   void SetMembers(std::istream& pids) {
-    TRecursiveMutexScope scope(m_mutex);
+    const TScopedLock scope(m_mutex);
     for (unsigned int pid = 0; pids >> pid;) Watch(pid);
   }
 
   unsigned long long Total() {
-    TRecursiveMutexScope scope(m_mutex);
+    const TScopedLock scope(m_mutex);
     unsigned long long total = 0;
     for (const auto& [pid, process] : m_members) {
       if (process.IsRunning()) total += process.GetMemoryUsage();

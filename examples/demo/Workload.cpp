@@ -25,12 +25,12 @@ Hoard::~Hoard() {
 }
 
 void Hoard::GrowTo(unsigned int mebibytes) {
-  TRecursiveMutexScope scope(m_mutex);
+  const TScopedLock scope(m_mutex);
   m_target = mebibytes;
 }
 
 unsigned int Hoard::DropTo(unsigned int mebibytes) {
-  TRecursiveMutexScope scope(m_mutex);
+  const TScopedLock scope(m_mutex);
   m_target = mebibytes;
   unsigned int dropped = 0;
   for (; m_blocks.size() > mebibytes; ++dropped) m_blocks.pop_back();
@@ -42,7 +42,7 @@ void Hoard::Run() {
 }
 
 void Hoard::Step() {
-  TRecursiveMutexScope scope(m_mutex);
+  const TScopedLock scope(m_mutex);
   for (unsigned int i = 0; i < StepMiB && m_blocks.size() < m_target; ++i) {
     // Written, not only reserved: memory counts once it is touched.
     m_blocks.emplace_back(MiB, static_cast<unsigned char>(1));
