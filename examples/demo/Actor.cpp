@@ -18,11 +18,12 @@ constexpr Reading Readings[] = {
     {u"Memory info: ", Sign::Pass, nullptr, nullptr},
     {u" 6 (info count)", Sign::HearsAll, nullptr, nullptr},
     {u"Exceeded allowed memory usage per process", Sign::OverOwnLimit, u"is over its own limit", u"over limit"},
-    {u"Exceeded allowed memory usage across all", Sign::OverGroupLimit, u"has the largest share of a group over its limit",
-     u"over limit"},
+    {u"Exceeded allowed memory usage across all", Sign::OverGroupLimit,
+     u"has the largest share of a group over its limit", u"over limit"},
     {u"Memory reclaimed", Sign::MemoryReclaimed, u"is below its limit again and stays", u"reclaimed"},
     {u"Detected high CPU usage", Sign::HighCpu, nullptr, nullptr},
-    {u"Exceeded sustained high CPU", Sign::SustainedCpu, u"is the busiest of a group over its CPU limit", u"over CPU limit"},
+    {u"Exceeded sustained high CPU", Sign::SustainedCpu, u"is the busiest of a group over its CPU limit",
+     u"over CPU limit"},
     {u"CPU reclaimed", Sign::CpuReclaimed, u"holds to the CPU limit again and stays", u"throttled"},
 };
 
@@ -39,10 +40,16 @@ void Actor::Listen(double seconds, Chronicle& chronicle) {
   // Asked first, so that nothing said before the end is missed.
   const std::optional<int> exitCode = m_process.ExitCode();
   for (const std::string& line : m_process.Hear()) Hear(TStringCore::fromStdString(line), seconds, chronicle);
-  if (exitCode && m_state != u"ended" && m_state != u"left") {
-    m_state = *exitCode == 0 ? u"left" : u"ended";
-    Note(TFormatStringCore(u"has ended with code %1").arg(*exitCode), *exitCode != 0, seconds, chronicle);
+  if (exitCode && !m_ended) {
+    m_ended = true;
+    NoteEnd(*exitCode, seconds, chronicle);
   }
+}
+
+void Actor::NoteEnd(int exitCode, double seconds, Chronicle& chronicle) {
+  m_state = exitCode == 0 ? u"left" : u"ended";
+  if (exitCode == 0) return Note(u"leaves when the story is over", false, seconds, chronicle);
+  Note(TFormatStringCore(u"has ended with code %1").arg(exitCode), true, seconds, chronicle);
 }
 
 void Actor::Hear(const TStringCore& line, double seconds, Chronicle& chronicle) {
@@ -50,7 +57,8 @@ void Actor::Hear(const TStringCore& line, double seconds, Chronicle& chronicle) 
   const TStringCore kind = line.left(blank);
   const TStringCore text = line.mid(blank + 1, -1);
   if (kind == u"did") return Note(text, true, seconds, chronicle);
-  if (kind == u"end") return Note(TFormatStringCore(u"is asked to end itself: code %1").arg(text), false, seconds, chronicle);
+  if (kind == u"end")
+    return Note(TFormatStringCore(u"is asked to end itself: code %1").arg(text), false, seconds, chronicle);
   for (const Reading& reading : Readings) {
     if (!text.contains(TStringCore(reading.m_part))) continue;
     ++m_signs[static_cast<size_t>(reading.m_sign)];

@@ -44,6 +44,7 @@ class Actor {
 
  private:
   void Hear(const TStringCore& line, double seconds, Chronicle& chronicle);
+  void NoteEnd(int exitCode, double seconds, Chronicle& chronicle);
   void Note(const TStringCore& text, bool marked, double seconds, Chronicle& chronicle);
 
   size_t m_index;
@@ -51,6 +52,7 @@ class Actor {
   MonitoredProcess m_meter;
   std::array<unsigned int, static_cast<size_t>(Sign::CpuReclaimed) + 1> m_signs{};
   TStringCore m_state = u"starting";
+  bool m_ended = false;
 };
 
 }  // namespace demo

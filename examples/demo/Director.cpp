@@ -10,7 +10,7 @@ namespace demo {
 namespace {
 
 constexpr std::chrono::milliseconds TickTime(50);
-constexpr double SampleSeconds = 0.25;
+constexpr double SampleSeconds = 0.2;
 
 // Members that start apart also check apart, so that each has a fresh datagram of every other whenever it decides.
 constexpr std::chrono::milliseconds StartDistance(150);
@@ -34,7 +34,6 @@ void Director::Run() {
     Play(story[i]);
   }
   m_screen.Progress(story.size(), story.size());
-  Tick();
 }
 
 void Director::StartMembers() {
@@ -54,6 +53,8 @@ void Director::Play(const Beat& beat) {
     Tick();
     std::this_thread::sleep_for(TickTime);
   }
+  // What came of this beat is told before the next one begins.
+  Tick();
 }
 
 void Director::Tick() {

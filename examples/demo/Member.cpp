@@ -118,9 +118,8 @@ class Member {
   void FillCache(unsigned int mebibytes) {
     ResourceManager::AddReclaimMemoryFunction(u"cache", [this](double used) {
       const unsigned int dropped = m_hoard.DropTo(StartingMiB);
-      Say("did", TFormatStringCore(u"gave back a cache of %1 MiB at %2 of its limit")
-                     .arg(dropped)
-                     .arg(used, 0, 'f', 2));
+      Say("did",
+          TFormatStringCore(u"gave back a cache of %1 MiB at %2 of its limit").arg(dropped).arg(used, 0, 'f', 2));
     });
     m_hoard.GrowTo(mebibytes);
   }

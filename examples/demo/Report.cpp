@@ -26,19 +26,21 @@ void WriteValues(const Chronicle& chronicle, const fs::path& file) {
   std::ofstream out = OpenForWriting(file);
   out << "seconds";
   for (const char* name : MemberNames) out << ',' << name << " MiB," << name << " CPU %";
-  out << ",group MiB\n";
+  out << ",group MiB,group CPU %\n";
   for (const Sample& sample : chronicle.m_samples) {
     unsigned long long total = 0;
+    unsigned int cpu = 0;
     out << sample.m_seconds;
     for (const Usage& usage : sample.m_usage) {
       total += usage.m_bytes;
+      cpu += usage.m_cpuPercent;
       if (usage.m_running) {
         out << ',' << InMiB(usage.m_bytes) << ',' << usage.m_cpuPercent;
       } else {
         out << ",,";
       }
     }
-    out << ',' << InMiB(total) << '\n';
+    out << ',' << InMiB(total) << ',' << cpu << '\n';
   }
 }
 
@@ -51,40 +53,55 @@ void WriteEvents(const Chronicle& chronicle, const fs::path& file) {
   }
 }
 
-/// The marks of the events, as lines across a panel; the names stand in the upper one, in two rows for legibility.
-void MarkEvents(std::ostream& out, const Chronicle& chronicle, bool named) {
+/// The turning points, as named lines across a panel.
+void MarkEvents(std::ostream& out, const Chronicle& chronicle) {
   int tag = 0;
   for (const Event& event : chronicle.m_events) {
     if (!event.m_marked) continue;
     ++tag;
     out << "set arrow " << tag << " from " << event.m_seconds << ", graph 0 to " << event.m_seconds
         << ", graph 1 nohead dashtype 3 linecolor rgb '#888888'\n";
-    if (!named) continue;
     TStringCore text = TStringCore(MemberNames[event.m_member]) + u" " + event.m_text;
     out << "set label " << tag << " '" << text.replace(u'\'', u' ').toStdString() << "' at " << event.m_seconds
         << ", graph 0.98 rotate by 90 right offset 0.6,0 font ',9' textcolor rgb '#444444'\n";
   }
 }
 
-void WritePlot(const Chronicle& chronicle, const fs::path& file) {
-  std::ofstream out = OpenForWriting(file);
-  out << "set terminal svg size 1100,900 font 'sans,12' background 'white'\n"
-         "set output 'memory.svg'\n"
-         "set datafile separator ','\n"
-         "set multiplot layout 2,1 title 'Memory of a group that keeps itself within limits'\n"
-         "set grid ytics\nset xlabel 'seconds'\nset ylabel 'MiB'\nset key outside right top\n";
-  MarkEvents(out, chronicle, true);
-  out << "set yrange [0:" << InMiB(Limits::PerProcess) * 2 << "]\n";
-  out << "plot " << InMiB(Limits::PerProcess)
-      << " title 'limit of a member' linecolor rgb 'red' linewidth 2 dashtype 2";
+constexpr const char* LimitStyle = "linecolor rgb 'red' linewidth 2 dashtype 2";
+
+void PlotMembers(std::ostream& out) {
+  out << "set ylabel 'MiB'\nset yrange [0:" << InMiB(Limits::PerProcess) * 2 << "]\n"
+      << "plot " << InMiB(Limits::PerProcess) << " title 'limit of a member' " << LimitStyle;
   for (size_t i = 0; i < MemberNames.size(); ++i) {
     out << ", \\\n  'memory.csv' every ::1 using 1:" << 2 + 2 * i << " with lines linewidth 2 title '" << MemberNames[i]
         << "'";
   }
-  out << "\nunset label\nset yrange [0:*]\n";
-  out << "plot " << InMiB(Limits::AllProcesses)
-      << " title 'limit of the group' linecolor rgb 'red' linewidth 2 dashtype 2, \\\n  'memory.csv' every ::1 using 1:"
-      << 2 + 2 * MemberNames.size() << " with filledcurves y=0 fillstyle transparent solid 0.3 title 'group'\n";
+  out << "\n";
+}
+
+/// One figure of the whole group against its limit.
+void PlotGroup(std::ostream& out, const char* unit, double limit, size_t column) {
+  out << "set ylabel '" << unit << "'\nset yrange [0:*]\n"
+      << "plot " << limit << " title 'limit of the group' " << LimitStyle
+      << ", \\\n  'memory.csv' every ::1 using 1:" << column
+      << " with filledcurves y=0 fillstyle transparent solid 0.3 title 'group, " << unit << "'\n";
+}
+
+void WritePlot(const Chronicle& chronicle, const fs::path& file) {
+  constexpr size_t FirstGroupColumn = 2 + 2 * MemberNames.size();
+  std::ofstream out = OpenForWriting(file);
+  out << "set terminal svg size 1100,1100 font 'sans,12' background 'white'\n"
+         "set output 'memory.svg'\n"
+         "set datafile separator ','\n"
+         "set multiplot layout 3,1 title 'A group that keeps itself within limits'\n"
+         "set grid ytics\nset xlabel 'seconds'\nset key outside right top\n"
+         "set lmargin at screen 0.08\nset rmargin at screen 0.76\n"
+      << "set xrange [0:" << chronicle.m_samples.back().m_seconds + 1 << "]\n";
+  MarkEvents(out, chronicle);
+  PlotMembers(out);
+  out << "unset label\n";
+  PlotGroup(out, "MiB", InMiB(Limits::AllProcesses), FirstGroupColumn);
+  PlotGroup(out, "CPU %", Limits::GroupCpuPercent, FirstGroupColumn + 1);
 }
 
 bool DrawPicture(const fs::path& folder) {

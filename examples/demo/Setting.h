@@ -11,7 +11,7 @@ constexpr unsigned long long MiB = 1024ull * 1024ull;
 struct Limits {
   static constexpr unsigned long long PerProcess = 128 * MiB;
   static constexpr unsigned long long AllProcesses = 235 * MiB;
-  static constexpr unsigned int GroupCpuPercent = 15;
+  static constexpr unsigned int GroupCpuPercent = 10;
   static constexpr long long SustainedSeconds = 3;
   static constexpr long long CheckIntervalSeconds = 1;
 };

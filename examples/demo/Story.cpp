@@ -63,20 +63,16 @@ Beat Fill() {
             cast.Large().Tell("hold 110");
             cast.Medium().Tell("hold 40");
           },
-          [](const Cast& cast) { return cast.Large().Measure().m_bytes >= 110 * MiB; },
-          u"Large did not grow."};
+          [](const Cast& cast) { return cast.Large().Measure().m_bytes >= 110 * MiB; }, u"Large did not grow."};
 }
 
 // Before the group is tipped over, everybody has to have heard who holds the largest share.
-Beat LetItBeHeard() {
-  return {{}, 10, Nothing, EachPasses(2), u"A member stopped making passes."};
-}
+Beat LetItBeHeard() { return {{}, 10, Nothing, EachPasses(2), u"A member stopped making passes."}; }
 
 Beat Tip() {
   return {u"Medium tips the group over its limit; Large has the highest share and yields", 12,
           [](const Cast& cast) { cast.Medium().Tell("hold 96"); },
-          [](const Cast& cast) { return cast.Large().ExitCode() == ExitCodes::Memory; },
-          u"Large did not yield."};
+          [](const Cast& cast) { return cast.Large().ExitCode() == ExitCodes::Memory; }, u"Large did not yield."};
 }
 
 Beat OthersStay() {
@@ -91,7 +87,7 @@ Beat Burn() {
             cast.Burner().Tell("burn 70");
           },
           [](const Cast& cast) { return cast.Burner().Count(Sign::CpuReclaimed) > 0; },
-          u"Burner did not come back below the CPU limit."};
+          u"Burner did not go over the CPU limit and come back. Other work may leave it too little to burn."};
 }
 
 Beat Defy() {
@@ -109,8 +105,7 @@ Beat Leave() {
           [](const Cast& cast) {
             for (Actor* actor : cast.Present()) actor->Dismiss();
           },
-          [](const Cast& cast) { return cast.Present().empty(); },
-          u"A member did not leave when asked to."};
+          [](const Cast& cast) { return cast.Present().empty(); }, u"A member did not leave when asked to."};
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ void ExplainClock() {
 int RunStory(const Options& options) {
   const unsigned short port = options.m_port != 0 ? options.m_port : demo::FindFreePort();
   demo::CheckPort(port);
-  std::cout << "Six members meet at UDP port " << port << " of the loopback; the story takes about 45 seconds.\n";
+  std::cout << "Six members meet at UDP port " << port << " of the loopback; the story takes about half a minute.\n";
 
   const std::unique_ptr<demo::Screen> screen = demo::MakeScreen(options.m_plain);
   demo::Director director(port, *screen);
