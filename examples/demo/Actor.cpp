@@ -55,10 +55,10 @@ void Actor::NoteEnd(int exitCode, double seconds, Chronicle& chronicle) {
 void Actor::Hear(const TStringCore& line, double seconds, Chronicle& chronicle) {
   const int blank = line.indexOf(u' ');
   const TStringCore kind = line.left(blank);
-  const TStringCore text = line.mid(blank + 1, -1);
+  const TStringCore text = line.mid(blank + 1).replace(u"Resource Manager: ", u"");
   if (kind == u"did") return Note(text, true, seconds, chronicle);
   if (kind == u"end")
-    return Note(TFormatStringCore(u"is asked to end itself: code %1").arg(text), false, seconds, chronicle);
+    return Note(TFormatStringCore(u"is asked to end itself, code %1").arg(text), false, seconds, chronicle);
   for (const Reading& reading : Readings) {
     if (!text.contains(TStringCore(reading.m_part))) continue;
     ++m_signs[static_cast<size_t>(reading.m_sign)];

@@ -6,6 +6,9 @@ namespace demo {
 /// True if standard output is a terminal.
 bool OutputIsTerminal();
 
+/// The columns of the terminal at standard output, 80 if it does not tell.
+int OutputWidth();
+
 /// A UDP port that nobody holds on the loopback. Throws std::runtime_error with a text for the user.
 unsigned short FindFreePort();
 

@@ -8,6 +8,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -66,6 +67,12 @@ void SendProbe(const sockaddr_in& address) {
 }  // namespace
 
 bool OutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
+
+int OutputWidth() {
+  constexpr int Usual = 80;
+  winsize size{};
+  return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : Usual;
+}
 
 unsigned short FindFreePort() {
   const Socket socket;

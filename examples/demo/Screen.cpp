@@ -91,7 +91,7 @@ class LiveScreen : public Screen {
   static TStringCore Line(const TStringCore& name, unsigned long long bytes, unsigned long long limit, unsigned int cpu,
                           const TStringCore& state) {
     const double share = static_cast<double>(bytes) / static_cast<double>(limit);
-    return TFormatStringCore(u"%1  %2  %3  %4 %  %5 %  %6")
+    return TFormatStringCore(u"%1  %2  %3  %4 %%  %5 %%  %6")
         .arg(name, -7)
         .arg(Bar(share, BarWidth))
         .arg(Mebibytes(bytes), 10)
@@ -108,7 +108,9 @@ class LiveScreen : public Screen {
 
     std::string text;
     if (m_drawn > 0) text += "\x1b[" + std::to_string(m_drawn) + "A";
-    for (const TStringCore& line : lines) text += "\r\x1b[2K" + line.toStdString() + "\n";
+    // A line that ran on would take two rows and spoil the count of rows to go up.
+    const int width = OutputWidth() - 1;
+    for (const TStringCore& line : lines) text += "\r\x1b[2K" + line.left(width).toStdString() + "\n";
     std::cout << text << std::flush;
     m_drawn = lines.size();
   }
