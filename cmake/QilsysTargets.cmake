@@ -31,6 +31,10 @@ if(QILSYS_SANITIZE)
   add_link_options(-fsanitize=${QILSYS_SANITIZE})
 endif()
 
+if(QILSYS_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   find_program(QILSYS_CCACHE ccache)
   mark_as_advanced(QILSYS_CCACHE)
