@@ -76,9 +76,9 @@ class Member {
   }
 
  private:
-  static void Say(const char* kind, const TStringCore& text) {
-    const std::string line = kind + (" " + text.toStdString()) + "\n";
-    std::cout << line << std::flush;
+  /// One line in one piece, since two threads speak.
+  static void Say(const TStringCore& kind, const TStringCore& text) {
+    std::cout << (kind + u" " + text + u"\n").toStdString() << std::flush;
   }
 
   static ResourceManager::CpuConfig Cpu() {
@@ -105,9 +105,9 @@ class Member {
     config.m_checkIntervalSeconds = Limits::CheckIntervalSeconds;
     config.m_startDelaySeconds = 1;
     config.m_infoEveryChecks = 1;
-    config.m_logFunc = [](const TStringCore& text) { Say("log", text); };
+    config.m_logFunc = [](const TStringCore& text) { Say(u"log", text); };
     config.m_terminateFunc = [](unsigned char code, const TStringCore& reason) {
-      Say("end", TFormatStringCore(u"%1 %2").arg(code).arg(reason));
+      Say(u"end", TFormatStringCore(u"%1 %2").arg(code).arg(reason));
       // The monitor's own thread is here, so the process ends without unwinding it.
       std::_Exit(code);
     };
@@ -118,7 +118,7 @@ class Member {
   void FillCache(unsigned int mebibytes) {
     ResourceManager::AddReclaimMemoryFunction(u"cache", [this](double used) {
       const unsigned int dropped = m_hoard.DropTo(StartingMiB);
-      Say("did",
+      Say(u"did",
           TFormatStringCore(u"gave back a cache of %1 MiB at %2 of its limit").arg(dropped).arg(used, 0, 'f', 2));
     });
     m_hoard.GrowTo(mebibytes);
@@ -127,7 +127,7 @@ class Member {
   void Cooperate() {
     ResourceManager::AddReclaimCpuFunction(u"throttle", [this](double) {
       m_burner.Burn(ThrottledPercent);
-      Say("did", u"throttled itself");
+      Say(u"did", u"throttled itself");
     });
   }
 
