@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 
 #include "qilsys/PlainDouble.h"
 
@@ -35,7 +34,7 @@ int UsefulPrecision(char format, int precision) {
 }  // namespace
 
 DoubleText::DoubleText(std::string_view text) : length(static_cast<int>(text.size())) {
-  std::memcpy(characters, text.data(), text.size());
+  text.copy(characters, text.size());
 }
 
 int DoubleText::ExponentIndex() const {

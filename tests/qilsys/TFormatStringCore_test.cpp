@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <climits>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -100,6 +102,23 @@ TEST(TFormatStringCore, GrowsNothingButTheResult) {
   format.arg(u"a").arg(u"longer than what fits inline");
   const TStringCore result = format.result();
   EXPECT_EQ(result.capacity(), result.length() + 1);
+}
+
+TEST(TFormatStringCore, GivesItsResultToManyThreadsAtOnce) {
+  TFormatStringCore format(u"%1 and a longer text than what fits inline, %2");
+  format.arg(u"a longer parameter than what fits inline").arg(1.5);
+  const TFormatStringCore& shared = format;
+  const std::u16string wanted = Units(shared.result());
+  std::atomic<int> same{0};
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      for (int round = 0; round < 100; ++round) same += Units(shared.result()) == wanted ? 1 : 0;
+      same += shared.formatString().length() > 0 ? 1 : 0;
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(same, 404);
 }
 
 // ---- Templates from every kind of text

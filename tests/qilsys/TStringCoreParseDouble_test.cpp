@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <bit>
 #include <cerrno>
 #include <cmath>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <limits>
 #include <string>
+#include <thread>
 
 #include "qilsys/TStringCore.h"
 #include "support/CommaLocale.h"
@@ -145,6 +147,22 @@ TEST(TStringCoreToDoubleModel, AgreesWithTheRuntimeForAnyText) {
     ASSERT_EQ(std::bit_cast<std::uint64_t>(read), std::bit_cast<std::uint64_t>(value)) << text;
     ASSERT_EQ(ok, wantedOk) << text;
   }
+}
+
+TEST(TStringCoreToDoubleThreads, KeepAnErrnoEach) {
+  std::atomic<int> right{0};
+  const TStringCore good(u"1.5");
+  const TStringCore bad(u"1e400");
+  const auto read = [&](const TStringCore& text, int wanted) {
+    for (int round = 0; round < 100; ++round) {
+      text.toDouble();
+      right += errno == wanted ? 1 : 0;
+    }
+  };
+  std::thread other([&] { read(bad, Overflow); });
+  read(good, 0);
+  other.join();
+  EXPECT_EQ(right, 200);
 }
 
 TEST(TStringCoreToDoubleLocale, ReadsAPointUnderACommaLocale) {
