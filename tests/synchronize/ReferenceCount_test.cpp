@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <barrier>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
@@ -129,6 +130,15 @@ TEST(RefCntObjectNonVirtualBase, MostDerivedClassMaySetOneOwner) {
   probe->TakeOver();
   EXPECT_EQ(probe->UseCount(), 1);
   EXPECT_EQ(probe->RemoveReference(), 0);
+}
+
+TEST(RefCntObjectNonVirtualBase, AssignmentLeavesBothCounts) {
+  Probe one;
+  Probe two;
+  two.AddReference();
+  EXPECT_EQ(&(one = two), &one);
+  EXPECT_EQ(one.UseCount(), 0);
+  EXPECT_EQ(two.UseCount(), 1);
 }
 
 TEST(RefCntObjectNonVirtualBase, InternalRemovalNeverDestroys) {
@@ -359,26 +369,35 @@ TEST(RefCntPtrNullDeathTest, EndsTheProcessWhenTheHookReturns) {
 
 // ---- Threads
 
-TEST(RefCntPtrThreads, TheLastOfManyOwnersDestroysOnce) {
-  const int rounds = Rounds(2000);
-  int destroyed = 0;
-  for (int round = 0; round < rounds; ++round) {
-    Ptr shared(new Counted(&destroyed));
-    const auto copyAndDrop = [](Ptr mine) {
-      for (int i = 0; i < 10; ++i) {
-        const Ptr copy(mine);
-        EXPECT_EQ(copy->m_value, 1);
-      }
-    };
-    std::thread one(copyAndDrop, shared);
-    std::thread two(copyAndDrop, std::move(shared));
-    one.join();
-    two.join();
-    ASSERT_EQ(destroyed, round + 1);
-  }
+// Runs both at once: neither begins before the other is there.
+template <class One, class Two>
+void Together(One one, Two two) {
+  std::barrier start(2);
+  std::thread other([&] {
+    start.arrive_and_wait();
+    two();
+  });
+  start.arrive_and_wait();
+  one();
+  other.join();
 }
 
-TEST(RefCntPtrThreads, ExactlyOneThreadSeesZero) {
+TEST(RefCntPtrThreads, NoOwnerIsLostOrCountedTwice) {
+  const int rounds = Rounds(3'000'000);
+  int destroyed = 0;
+  Ptr shared(new Counted(&destroyed));
+  const auto copyAndDrop = [&shared, rounds] {
+    for (int i = 0; i < rounds; ++i) {
+      const Ptr copy(shared);
+    }
+  };
+  Together(copyAndDrop, copyAndDrop);
+  EXPECT_EQ(shared->UseCount(), 1);
+  shared.reset();
+  EXPECT_EQ(destroyed, 1);
+}
+
+TEST(RefCntPtrThreads, ExactlyOneThreadSeesZeroAndDestroys) {
   const int rounds = Rounds(2000);
   for (int round = 0; round < rounds; ++round) {
     int destroyed = 0;
@@ -386,10 +405,7 @@ TEST(RefCntPtrThreads, ExactlyOneThreadSeesZero) {
     object->AddReference();
     object->AddReference();
     int results[2] = {};
-    std::thread one([&] { results[0] = object->RemoveReference(); });
-    std::thread two([&] { results[1] = object->RemoveReference(); });
-    one.join();
-    two.join();
+    Together([&] { results[0] = object->RemoveReference(); }, [&] { results[1] = object->RemoveReference(); });
     ASSERT_EQ(results[0] + results[1], 1);
     ASSERT_EQ(destroyed, 1);
   }
