@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <utility>
 
 #include "qilsys/TCType.h"
 #include "qilsys/UnitScan.h"
@@ -54,6 +53,14 @@ int NextDigit(int number, TCodeUnit unit) {
   }
   return next;
 }
+
+// Makes a text where it is to stand. A text that is moved there right after it was made unit by unit makes the
+// processor wait for its own stores, which costs more than making it.
+template <class Make>
+struct InPlace {
+  const Make& make;
+  operator TStringCore() const { return make(); }
+};
 
 TCodeUnit* Copy(TCodeUnit* to, const TCodeUnit* from, int length) {
   std::memcpy(to, from, static_cast<std::size_t>(length) * sizeof(TCodeUnit));
@@ -135,44 +142,45 @@ TFormatStringCore& TFormatStringCore::pad(const TStringCore& a, int fieldWidth, 
   return *this;
 }
 
-TFormatStringCore& TFormatStringCore::appendNumber(TStringCore&& text, int fieldWidth, TCodeUnit fill) {
-  if (fieldWidth != 0) return pad(text, fieldWidth, fill);
-  m_parameters.push_back(std::move(text));
+template <class Make>
+TFormatStringCore& TFormatStringCore::appendMade(const Make& make, int fieldWidth, TCodeUnit fill) {
+  if (fieldWidth != 0) return pad(make(), fieldWidth, fill);
+  m_parameters.emplace_back(InPlace<Make>{make});
   return *this;
 }
 
 TFormatStringCore& TFormatStringCore::arg(short a, int fieldWidth, int base, TCodeUnit fill) {
-  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, base); }, fieldWidth, fill);
 }
 TFormatStringCore& TFormatStringCore::arg(unsigned short a, int fieldWidth, int base, TCodeUnit fill) {
-  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, base); }, fieldWidth, fill);
 }
 TFormatStringCore& TFormatStringCore::arg(int a, int fieldWidth, int base, TCodeUnit fill) {
-  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, base); }, fieldWidth, fill);
 }
 TFormatStringCore& TFormatStringCore::arg(unsigned int a, int fieldWidth, int base, TCodeUnit fill) {
-  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, base); }, fieldWidth, fill);
 }
 TFormatStringCore& TFormatStringCore::arg(long a, int fieldWidth, int base, TCodeUnit fill) {
-  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, base); }, fieldWidth, fill);
 }
 TFormatStringCore& TFormatStringCore::arg(unsigned long a, int fieldWidth, int base, TCodeUnit fill) {
-  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, base); }, fieldWidth, fill);
 }
 TFormatStringCore& TFormatStringCore::arg(long long a, int fieldWidth, int base, TCodeUnit fill) {
-  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, base); }, fieldWidth, fill);
 }
 TFormatStringCore& TFormatStringCore::arg(unsigned long long a, int fieldWidth, int base, TCodeUnit fill) {
-  return appendNumber(TStringCore::number(a, base), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, base); }, fieldWidth, fill);
 }
 
 TFormatStringCore& TFormatStringCore::arg(double a, int fieldWidth, char format, int precision, TCodeUnit fill,
                                           bool decimalForm) {
-  return appendNumber(TStringCore::number(a, format, precision, decimalForm), fieldWidth, fill);
+  return appendMade([=] { return TStringCore::number(a, format, precision, decimalForm); }, fieldWidth, fill);
 }
 
 TFormatStringCore& TFormatStringCore::arg(TCodeUnit a, int fieldWidth, TCodeUnit fill) {
-  return appendNumber(TStringCore(&a, 1), fieldWidth, fill);
+  return appendMade([=] { return TStringCore(&a, 1); }, fieldWidth, fill);
 }
 
 TFormatStringCore& TFormatStringCore::arg(const std::vector<TStringCore>& all) {

@@ -128,7 +128,8 @@ class QILSYS_API TFormatStringCore {
   int scanMarker(int position);
   void append(const TStringCore& a);
   TFormatStringCore& pad(const TStringCore& a, int fieldWidth, TCodeUnit fill);
-  TFormatStringCore& appendNumber(TStringCore&& text, int fieldWidth, TCodeUnit fill);
+  template <class Make>
+  TFormatStringCore& appendMade(const Make& make, int fieldWidth, TCodeUnit fill);
   void requireParameters() const;
   int resultLength() const;
   const TStringCore& parameter(const Marker& marker) const;
