@@ -10,11 +10,11 @@ namespace qilsys::synchronize {
 ///
 /// The word:
 ///
-///   | Value       | Meaning                            | Who moves it there                                          |
-///   |-------------|------------------------------------|-------------------------------------------------------------|
-///   | `Free`      | nobody holds the lock              | `Unlock`, by an exchange | | `Held`      | held, and nobody
-///   sleeps            | `TryLock`, from `Free`                                       | | `Contended` | held, and
-///   somebody sleeps or may   | a thread about to sleep, by an exchange from any value       |
+///   | Value       | Meaning                          | Who moves it there                                     |
+///   |-------------|----------------------------------|--------------------------------------------------------|
+///   | `Free`      | nobody holds the lock            | `Unlock`, by an exchange                               |
+///   | `Held`      | held, and nobody sleeps          | `TryLock`, from `Free`                                 |
+///   | `Contended` | held, and somebody sleeps or may | a thread about to sleep, by an exchange from any value |
 ///
 /// A thread that has been to sleep takes the lock as `Contended`, since it can't know whether others sleep still; at
 /// worst one wake too many follows. Taking the lock is an acquire and giving it up a release, so that a holder sees
