@@ -111,13 +111,16 @@ int removeSet(TCodeUnit* text, int length, const TCodeUnit* set, int setLen, int
 
 int replaceSet(TCodeUnit* text, int length, const TCodeUnit* set, int setLen, TCodeUnit c, int start) {
   if (AsksForNothing(text, length, set, setLen, start)) return length;
-  const std::vector<TCodeUnit> copy(set, set + setLen);
-  auto member = copy.begin();
-  for (; IsAscii(c) && member != copy.end() && IsAscii(*member); ++member) {
+  // Terminated, since decoding looks one unit ahead.
+  std::vector<TCodeUnit> copy(set, set + setLen);
+  copy.push_back(0);
+  const TCodeUnit* member = copy.data();
+  const TCodeUnit* const end = member + setLen;
+  for (; IsAscii(c) && member != end && IsAscii(*member); ++member) {
     std::replace(text + start, text + length, *member, c);
   }
-  if (member == copy.end()) return length;
-  const CodePoints rest(&*member, copy.data() + copy.size());
+  if (member == end) return length;
+  const CodePoints rest(member, end);
   int kept = start;
   for (int from = start, units = 0; from < length && text[from] != 0; from += units) {
     if (rest.Holds(CodePoint::GetCodePoint(text + from, &units))) {

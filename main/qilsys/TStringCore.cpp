@@ -171,10 +171,14 @@ int TStringCore::lengthInBytes(const TCodeUnit* s) {
 
 // ---- Construction and assignment
 
+// Only for text that does not fit inline, into an object that holds no block yet.
 void TStringCore::constructSlow(const TCodeUnit* s, int len) {
   if (len < 0) len = length(s);
-  setInlineLength(0);
-  CopyUnits(resizeForWrite(len), s, len);
+  StringBlock* block = allocateBlock(geometricCapacity(len), nullptr);
+  CopyUnits(block->units(), s, len);
+  block->units()[len] = 0;
+  block->length = len;
+  setBlockPointer(block);
 }
 
 void TStringCore::assignSlow(const TStringCore& other) {

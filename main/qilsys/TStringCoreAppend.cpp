@@ -1,8 +1,9 @@
+#include "qilsys/TStringCore.h"
+
 #include <algorithm>
 #include <cstring>
 
 #include "qilsys/StringSum.h"
-#include "qilsys/TStringCore.h"
 #include "qilsys/Unicode.h"
 
 using qilsys::SumOfLengths;

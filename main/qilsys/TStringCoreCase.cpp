@@ -1,9 +1,9 @@
+#include "qilsys/TStringCore.h"
+
 #include <unicode/uloc.h>
 #include <unicode/ustring.h>
 
 #include <algorithm>
-
-#include "qilsys/TStringCore.h"
 
 namespace {
 

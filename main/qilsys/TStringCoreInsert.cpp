@@ -1,9 +1,10 @@
+#include "qilsys/TStringCore.h"
+
 #include <algorithm>
 
 #include "qilsys/CodePoint.h"
 #include "qilsys/StringSum.h"
 #include "qilsys/TCodePointIterator.h"
-#include "qilsys/TStringCore.h"
 
 using qilsys::SumOfLengths;
 

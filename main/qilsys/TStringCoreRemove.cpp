@@ -1,9 +1,10 @@
+#include "qilsys/TStringCore.h"
+
 #include <algorithm>
 #include <cstdint>
 
 #include "qilsys/Search.h"
 #include "qilsys/TCodePointIterator.h"
-#include "qilsys/TStringCore.h"
 
 namespace search = qilsys::search;
 

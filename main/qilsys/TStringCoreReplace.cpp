@@ -1,10 +1,11 @@
+#include "qilsys/TStringCore.h"
+
 #include <algorithm>
 #include <vector>
 
 #include "qilsys/Search.h"
 #include "qilsys/StringSum.h"
 #include "qilsys/TCodePointIterator.h"
-#include "qilsys/TStringCore.h"
 
 namespace search = qilsys::search;
 

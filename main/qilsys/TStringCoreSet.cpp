@@ -1,5 +1,6 @@
-#include "qilsys/SetEdit.h"
 #include "qilsys/TStringCore.h"
+
+#include "qilsys/SetEdit.h"
 
 TStringCore& TStringCore::removeAnyOf(const TCodeUnit* set, int start) { return removeSet(set, length(set), start); }
 

@@ -1,6 +1,7 @@
+#include "qilsys/TStringCore.h"
+
 #include "qilsys/CodePoint.h"
 #include "qilsys/TCType.h"
-#include "qilsys/TStringCore.h"
 
 namespace {
 

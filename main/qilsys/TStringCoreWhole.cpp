@@ -1,9 +1,10 @@
 // Edits of the whole text: fill, reverse, byte order mark, line endings.
+#include "qilsys/TStringCore.h"
+
 #include <algorithm>
 
 #include "qilsys/CodePoint.h"
 #include "qilsys/Search.h"
-#include "qilsys/TStringCore.h"
 #include "qilsys/Unicode.h"
 
 namespace {

@@ -27,8 +27,9 @@ inline void TStringCore::retainBlock(StringBlock* block) noexcept {
   std::atomic_ref<std::int32_t>(block->refCount).fetch_add(1);
 }
 
+// The last holder needs no atomic step: nobody is left who could copy the block meanwhile.
 inline void TStringCore::releaseBlock(StringBlock* block) noexcept {
-  if (std::atomic_ref<std::int32_t>(block->refCount).fetch_sub(1) == 1) freeBlock(block);
+  if (references(block) == 1 || std::atomic_ref<std::int32_t>(block->refCount).fetch_sub(1) == 1) freeBlock(block);
 }
 
 // ---- Construction, assignment, end

@@ -87,8 +87,8 @@ class Walk {
     return a.own < 0 ? std::u16string(a.units.c_str()) : std::u16string(a.data);
   }
 
-  static const std::vector<Edit>& Edits() {
-    static const std::vector<Edit> s_edits = {
+  static std::vector<Edit> EditsThatPutIn() {
+    return {
         [](Walk& w) {
           w.m_model.Append(w.m_argument.units), w.m_text.append(w.m_argument.data, w.m_argument.length());
         },
@@ -115,6 +115,11 @@ class Walk {
           ASSERT_EQ(count, wanted);
         },
         [](Walk& w) { w.m_model.ReplaceUnit(w.m_unit, u'z'), w.m_text.replace(w.m_unit, u'z'); },
+    };
+  }
+
+  static std::vector<Edit> EditsThatTakeOut() {
+    return {
         [](Walk& w) { w.m_model.RemoveAt(w.m_position, w.m_count), w.m_text.removeAt(w.m_position, w.m_count); },
         [](Walk& w) {
           w.m_model.RemoveAll(w.m_argument.units);
@@ -139,6 +144,11 @@ class Walk {
         [](Walk& w) { w.m_model.Reverse(), w.m_text.reverse(); },
         [](Walk& w) { w.m_model.DosToUnix(), w.m_text.dosToUnix(); },
         [](Walk& w) { w.m_model.UnixToDos(), w.m_text.unixToDos(); },
+    };
+  }
+
+  static std::vector<Edit> EditsOfStorage() {
+    return {
         [](Walk& w) { w.m_text.squeeze(); },
         [](Walk& w) { w.m_text.reserve(std::max(w.m_position, 0)); },
         [](Walk& w) { w.m_text = TStringCore(std::move(w.m_text)); },
@@ -150,6 +160,14 @@ class Walk {
           w.m_shared = kept;
         },
     };
+  }
+
+  static const std::vector<Edit>& Edits() {
+    static const std::vector<Edit> s_edits = [] {
+      std::vector<Edit> all = EditsThatPutIn();
+      for (const auto& more : {EditsThatTakeOut(), EditsOfStorage()}) all.insert(all.end(), more.begin(), more.end());
+      return all;
+    }();
     return s_edits;
   }
 

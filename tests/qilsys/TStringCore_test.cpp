@@ -15,7 +15,7 @@ using Inside = TStringCoreForTest;
 
 namespace {
 
-TStringCore Letters(int n) { return TStringCore(u'x', n); }
+TStringCore Letters(int n) { return TStringCore(u'z', n); }
 
 static_assert(sizeof(TStringCore) == 32);
 static_assert(std::is_nothrow_copy_constructible_v<TStringCore> && std::is_nothrow_move_constructible_v<TStringCore>);
@@ -78,9 +78,9 @@ TEST(TStringCore, ReadsPointerAndLength) {
 }
 
 TEST(TStringCore, RepeatsOneUnit) {
-  EXPECT_EQ(UnitsOf(TStringCore(u'x', 3)), u"xxx");
-  EXPECT_EQ(UnitsOf(TStringCore(u'x', 0)), u"");
-  EXPECT_EQ(UnitsOf(TStringCore(u'x', -1)), u"");
+  EXPECT_EQ(UnitsOf(TStringCore(u'z', 3)), u"zzz");
+  EXPECT_EQ(UnitsOf(TStringCore(u'z', 0)), u"");
+  EXPECT_EQ(UnitsOf(TStringCore(u'z', -1)), u"");
   EXPECT_EQ(UnitsOf(TStringCore('\xE9', 2)), u"\u00E9\u00E9") << "a byte is widened, not decoded";
 }
 
@@ -117,7 +117,7 @@ TEST(TStringCore, WritingLeavesTheOtherSharer) {
   const TStringCore b = Letters(20);
   TStringCore a = b;
   a.data()[0] = u'y';
-  EXPECT_EQ(UnitsOf(b), std::u16string(20, u'x'));
+  EXPECT_EQ(UnitsOf(b), std::u16string(20, u'z'));
   EXPECT_EQ(a[0], u'y');
   EXPECT_FALSE(a.isShared());
   EXPECT_FALSE(b.isShared());
@@ -188,7 +188,7 @@ TEST(TStringCore, AssignmentToItselfChangesNothing) {
   TStringCore& same = text;
   text = same;
   text = std::move(same);
-  EXPECT_EQ(UnitsOf(text), std::u16string(20, u'x'));
+  EXPECT_EQ(UnitsOf(text), std::u16string(20, u'z'));
   EXPECT_EQ(Inside::References(text), 1);
 }
 
@@ -199,7 +199,7 @@ TEST(TStringCore, AssignmentBetweenTwoSharersKeepsTheBlock) {
   EXPECT_EQ(Inside::References(a), 2);
   a = std::move(b);
   EXPECT_EQ(Inside::References(a), 1);
-  EXPECT_EQ(UnitsOf(a), std::u16string(20, u'x'));
+  EXPECT_EQ(UnitsOf(a), std::u16string(20, u'z'));
 }
 
 TEST(TStringCore, InlineTextAssignedToAnExclusiveBlockStaysInTheBlock) {
@@ -304,11 +304,11 @@ TEST(TStringCore, AssignsItsOwnTail) {
 TEST(TStringCore, CutTextKeepsItsBlockUntilSqueezed) {
   TStringCore text = Letters(1000);
   text.resize(3);
-  EXPECT_EQ(UnitsOf(text), u"xxx");
+  EXPECT_EQ(UnitsOf(text), u"zzz");
   EXPECT_EQ(text.capacity(), 1018);
   EXPECT_FALSE(Inside::IsInline(text));
   text.squeeze();
-  EXPECT_EQ(UnitsOf(text), u"xxx");
+  EXPECT_EQ(UnitsOf(text), u"zzz");
   EXPECT_EQ(text.capacity(), 15);
   EXPECT_TRUE(Inside::IsInline(text));
 }
@@ -320,7 +320,7 @@ TEST(TStringCore, SqueezeFitsLongText) {
   const TCodeUnit* units = text.constData();
   text.squeeze();
   EXPECT_EQ(text.constData(), units);
-  EXPECT_EQ(UnitsOf(text), std::u16string(100, u'x'));
+  EXPECT_EQ(UnitsOf(text), std::u16string(100, u'z'));
 }
 
 TEST(TStringCore, SqueezeOfSharedShortTextKeepsABlock) {
@@ -328,7 +328,7 @@ TEST(TStringCore, SqueezeOfSharedShortTextKeepsABlock) {
   text.resize(3);
   const TStringCore other = text;
   text.squeeze();
-  EXPECT_EQ(UnitsOf(text), u"xxx");
+  EXPECT_EQ(UnitsOf(text), u"zzz");
   EXPECT_EQ(text.capacity(), 15);
   EXPECT_FALSE(Inside::IsInline(text));
   EXPECT_FALSE(other.isShared());

@@ -44,32 +44,46 @@ struct Literals<wchar_t> {
 #define T(literal) Literals<U>::text(u##literal, L##literal)
 #define C(literal) Literals<U>::unit(u##literal, L##literal)
 
+using Results = std::vector<std::pair<std::string, std::u16string>>;
+
+const TStringCore& Sample() {
+  static const TStringCore s_text(u"ab\U0001F600\u00C9abXab");
+  return s_text;
+}
+
+template <class Edit>
+std::u16string Edited(Edit edit) {
+  TStringCore copy = Sample();
+  edit(copy);
+  return Shown(copy);
+}
+
 template <class U>
-std::vector<std::pair<std::string, std::u16string>> ResultsOfForms() {
-  const TStringCore text(u"ab\U0001F600\u00C9abXab");
-  const auto edited = [&text](auto edit) {
-    TStringCore copy = text;
-    edit(copy);
-    return Shown(copy);
-  };
-  const auto it = ++text.codepoint_cbegin();
-  int pos = 0;
+Results ResultsOfStorage() {
   return {
       {"construct", Shown(TStringCore(T("x\u00C9\U0001F600")))},
       {"construct with length", Shown(TStringCore(T("xyz"), 2))},
       {"construct repeated", Shown(TStringCore(C('x'), 3))},
       {"construct from null", Shown(TStringCore(static_cast<const U*>(nullptr), 5))},
-      {"assign", edited([](TStringCore& s) { s.assign(T("xyz"), 2); })},
-      {"assign null", edited([](TStringCore& s) { s.assign(static_cast<const U*>(nullptr), 3); })},
-      {"assign unit", edited([](TStringCore& s) { s.assign(C('x'), 2); })},
-      {"assign unit never", edited([](TStringCore& s) { s.assign(C('x'), -1); })},
-      {"set", edited([](TStringCore& s) { s.set(T("xyz")); })},
-      {"=", edited([](TStringCore& s) { s = T("xyz"); })},
-      {"= unit", edited([](TStringCore& s) { s = C('x'); })},
+      {"assign", Edited([](TStringCore& s) { s.assign(T("xyz"), 2); })},
+      {"assign null", Edited([](TStringCore& s) { s.assign(static_cast<const U*>(nullptr), 3); })},
+      {"assign unit", Edited([](TStringCore& s) { s.assign(C('x'), 2); })},
+      {"assign unit never", Edited([](TStringCore& s) { s.assign(C('x'), -1); })},
+      {"set", Edited([](TStringCore& s) { s.set(T("xyz")); })},
+      {"=", Edited([](TStringCore& s) { s = T("xyz"); })},
+      {"= unit", Edited([](TStringCore& s) { s = C('x'); })},
       {"fromUtf16", Shown(TStringCore::fromUtf16(T("xyz"), 1))},
       {"fromWChar", Shown(TStringCore::fromWChar(T("xyz")))},
       {"length", Shown(TStringCore::length(T("xyz")))},
       {"lengthInBytes", Shown(TStringCore::lengthInBytes(T("xyz")))},
+  };
+}
+
+template <class U>
+Results ResultsOfSearches() {
+  const TStringCore& text = Sample();
+  const auto it = ++text.codepoint_cbegin();
+  return {
       {"compare", Shown(text.compare(T("AB"), Insensitive))},
       {"static compare", Shown(TStringCore::compare(T("a"), T("B"), Insensitive))},
       {"static compare sensitive", Shown(TStringCore::compare(T("a"), T("B")))},
@@ -111,36 +125,51 @@ std::vector<std::pair<std::string, std::u16string>> ResultsOfForms() {
       {"findOneNotOf unit", Shown(text.findOneNotOf(C('a')))},
       {"static findOneNotOf", Shown(TStringCore::findOneNotOf(T("xxabx"), T("xy"), 1))},
       {"static findOneNotOf unit", Shown(TStringCore::findOneNotOf(T("xxabx"), C('x')))},
-      {"append", edited([](TStringCore& s) { s.append(T("xyz"), 2).append(T("\u00C9")); })},
-      {"append unit", edited([](TStringCore& s) { s.append(C('\u00C9')); })},
-      {"+=", edited([](TStringCore& s) { (s += T("xyz")) += C('x'); })},
-      {"push_back", edited([](TStringCore& s) { s.push_back(C('x')); })},
-      {"insert", edited([](TStringCore& s) { s.insert(2, T("xyz"), 2).insert(0, C('0')); })},
-      {"insert null", edited([](TStringCore& s) { s.insert(2, static_cast<const U*>(nullptr), 2); })},
-      {"insert in a pair", edited([](TStringCore& s) { s.insert(3, T("xyz")); })},
-      {"insert at iterator", edited([](TStringCore& s) { s.insert(s.codepoint_cend(), T("xyz"), 1); })},
-      {"prepend", edited([](TStringCore& s) { s.prepend(T("xyz")).prepend(C('0')).push_front(C('1')); })},
-      {"replace range", edited([](TStringCore& s) { s.replace(1, 1, T("xyz"), 2); })},
-      {"replace range by unit", edited([](TStringCore& s) { s.replace(1, 3, C('x')); })},
-      {"replace range by nothing", edited([](TStringCore& s) { s.replace(1, 1, static_cast<const U*>(nullptr), 0); })},
-      {"replace range by null", edited([](TStringCore& s) { s.replace(1, 1, static_cast<const U*>(nullptr), 2); })},
-      {"replace at iterator", edited([](TStringCore& s) { s.replace(s.codepoint_cbegin(), 2, C('x')); })},
-      {"replace units", edited([](TStringCore& s) { s.replace(C('a'), C('x')); })},
-      {"replace unit by text", edited([](TStringCore& s) { s.replace(C('a'), TStringCore(u"--")); })},
-      {"replace", edited([](TStringCore& s) { s.replace(T("AB"), 2, T("-"), 1, Insensitive); })},
-      {"replace texts", edited([](TStringCore& s) { s.replace(T("ab"), T("\U0001F600")); })},
+  };
+}
+
+template <class U>
+Results ResultsOfEdits() {
+  const TStringCore& text = Sample();
+  return {
+      {"append", Edited([](TStringCore& s) { s.append(T("xyz"), 2).append(T("\u00C9")); })},
+      {"append unit", Edited([](TStringCore& s) { s.append(C('\u00C9')); })},
+      {"+=", Edited([](TStringCore& s) { (s += T("xyz")) += C('x'); })},
+      {"push_back", Edited([](TStringCore& s) { s.push_back(C('x')); })},
+      {"insert", Edited([](TStringCore& s) { s.insert(2, T("xyz"), 2).insert(0, C('0')); })},
+      {"insert null", Edited([](TStringCore& s) { s.insert(2, static_cast<const U*>(nullptr), 2); })},
+      {"insert in a pair", Edited([](TStringCore& s) { s.insert(3, T("xyz")); })},
+      {"insert at iterator", Edited([](TStringCore& s) { s.insert(s.codepoint_cend(), T("xyz"), 1); })},
+      {"prepend", Edited([](TStringCore& s) { s.prepend(T("xyz")).prepend(C('0')).push_front(C('1')); })},
+      {"replace range", Edited([](TStringCore& s) { s.replace(1, 1, T("xyz"), 2); })},
+      {"replace range by unit", Edited([](TStringCore& s) { s.replace(1, 3, C('x')); })},
+      {"replace range by nothing", Edited([](TStringCore& s) { s.replace(1, 1, static_cast<const U*>(nullptr), 0); })},
+      {"replace range by null", Edited([](TStringCore& s) { s.replace(1, 1, static_cast<const U*>(nullptr), 2); })},
+      {"replace at iterator", Edited([](TStringCore& s) { s.replace(s.codepoint_cbegin(), 2, C('x')); })},
+      {"replace units", Edited([](TStringCore& s) { s.replace(C('a'), C('x')); })},
+      {"replace unit by text", Edited([](TStringCore& s) { s.replace(C('a'), TStringCore(u"--")); })},
+      {"replace", Edited([](TStringCore& s) { s.replace(T("AB"), 2, T("-"), 1, Insensitive); })},
+      {"replace texts", Edited([](TStringCore& s) { s.replace(T("ab"), T("\U0001F600")); })},
       {"replaceCount", Shown(TStringCore(text).replaceCount(T("a"), 1, T("b"), 1))},
       {"replaceCount -1", Shown(TStringCore(text).replaceCount(T("a"), -1, T("b"), 1))},
-      {"replaceAnyOf", edited([](TStringCore& s) { s.replaceAnyOf(T("a\U0001F600"), C('x'), 1); })},
-      {"removeAll", edited([](TStringCore& s) { s.removeAll(T("AB"), -1, Insensitive); })},
-      {"removeAll unit", edited([](TStringCore& s) { s.removeAll(C('a')); })},
-      {"removeAll null", edited([](TStringCore& s) { s.removeAll(static_cast<const U*>(nullptr), 3); })},
-      {"removeAnyOf", edited([](TStringCore& s) { s.removeAnyOf(T("a\U0001F600"), 1); })},
-      {"trim", edited([](TStringCore& s) { s.trim(T("ab")); })},
-      {"trimLeft", edited([](TStringCore& s) { s.trimLeft(T("ab")).trimLeft(C('\u00C9')); })},
-      {"trimRight", edited([](TStringCore& s) { s.trimRight(T("ab")).trimRight(C('X')); })},
-      {"trim unit", edited([](TStringCore& s) { s.trim(C('a')).trim(C('b')); })},
-      {"fill", edited([](TStringCore& s) { s.fill(C('x')); })},
+      {"replaceAnyOf", Edited([](TStringCore& s) { s.replaceAnyOf(T("a\U0001F600"), C('x'), 1); })},
+      {"removeAll", Edited([](TStringCore& s) { s.removeAll(T("AB"), -1, Insensitive); })},
+      {"removeAll unit", Edited([](TStringCore& s) { s.removeAll(C('a')); })},
+      {"removeAll null", Edited([](TStringCore& s) { s.removeAll(static_cast<const U*>(nullptr), 3); })},
+      {"removeAnyOf", Edited([](TStringCore& s) { s.removeAnyOf(T("a\U0001F600"), 1); })},
+      {"trim", Edited([](TStringCore& s) { s.trim(T("ab")); })},
+      {"trimLeft", Edited([](TStringCore& s) { s.trimLeft(T("ab")).trimLeft(C('\u00C9')); })},
+      {"trimRight", Edited([](TStringCore& s) { s.trimRight(T("ab")).trimRight(C('X')); })},
+      {"trim unit", Edited([](TStringCore& s) { s.trim(C('a')).trim(C('b')); })},
+      {"fill", Edited([](TStringCore& s) { s.fill(C('x')); })},
+  };
+}
+
+template <class U>
+Results ResultsOfPieces() {
+  const TStringCore& text = Sample();
+  int pos = 0;
+  return {
       {"leftJustified", Shown(text.leftJustified(12, C('.')))},
       {"rightJustified", Shown(text.rightJustified(12, C('.'), true))},
       {"spanIncluding", Shown(text.spanIncluding(T("ab")))},
@@ -167,15 +196,20 @@ std::vector<std::pair<std::string, std::u16string>> ResultsOfForms() {
 #undef T
 #undef C
 
-TEST(TStringCoreForms, GiveTheSameResults) {
-  const auto narrow = ResultsOfForms<char16_t>();
-  const auto wide = ResultsOfForms<wchar_t>();
+void ExpectSame(const Results& narrow, const Results& wide) {
   ASSERT_EQ(narrow.size(), wide.size());
   for (std::size_t i = 0; i < narrow.size(); ++i) EXPECT_EQ(wide[i].second, narrow[i].second) << narrow[i].first;
 }
 
+TEST(TForeignForms, GiveTheSameResults) {
+  ExpectSame(ResultsOfStorage<char16_t>(), ResultsOfStorage<wchar_t>());
+  ExpectSame(ResultsOfSearches<char16_t>(), ResultsOfSearches<wchar_t>());
+  ExpectSame(ResultsOfEdits<char16_t>(), ResultsOfEdits<wchar_t>());
+  ExpectSame(ResultsOfPieces<char16_t>(), ResultsOfPieces<wchar_t>());
+}
+
 // A few rows of the table above with results that were worked out by hand.
-TEST(TStringCoreForms, SomeResultsByHand) {
+TEST(TForeignForms, SomeResultsByHand) {
   TStringCore text(L"ab");
   EXPECT_EQ(UnitsOf(text.append(L"\U0001F600c")), u"ab\U0001F600c");
   EXPECT_EQ(text.indexOf(L'c'), 4);
@@ -185,7 +219,7 @@ TEST(TStringCoreForms, SomeResultsByHand) {
 
 // ---- What only wide elements can show
 
-TEST(TStringCoreForms, AWideUnitOfTwoActsAsText) {
+TEST(TForeignForms, AWideUnitOfTwoActsAsText) {
   if (!WideIsCodePoints) GTEST_SKIP() << "one wide element is one unit here";
   const wchar_t grin = L'\U0001F600';
   TStringCore text(u"a");
@@ -211,7 +245,7 @@ TEST(TStringCoreForms, AWideUnitOfTwoActsAsText) {
   EXPECT_TRUE(text.empty());
 }
 
-TEST(TStringCoreForms, PositionsInWideTextCountElements) {
+TEST(TForeignForms, PositionsInWideTextCountElements) {
   if (!WideIsCodePoints) GTEST_SKIP() << "one wide element is one unit here";
   const wchar_t* hay = L"\U0001F600ab\U0001F600ab";
   EXPECT_EQ(TStringCore::findStr(hay, L"ab"), 1);
@@ -228,7 +262,7 @@ TEST(TStringCoreForms, PositionsInWideTextCountElements) {
   EXPECT_EQ(UnitsOf(TStringCore(hay, 2)), u"\U0001F600a");
 }
 
-TEST(TStringCoreForms, WideBuffersAreEditedInPlace) {
+TEST(TForeignForms, WideBuffersAreEditedInPlace) {
   wchar_t buffer[] = L"a\u00E9b\U0001F600c";
   EXPECT_EQ(TStringCore::removeAnyOf(buffer, L"b"), WideIsCodePoints ? 4 : 5);
   EXPECT_EQ(std::wstring(buffer), L"a\u00E9\U0001F600c");
@@ -244,7 +278,7 @@ TEST(TStringCoreForms, WideBuffersAreEditedInPlace) {
   EXPECT_EQ(std::wstring(lines), L"a\n\U0001F600");
 }
 
-TEST(TStringCoreForms, BadWideElements) {
+TEST(TForeignForms, BadWideElements) {
   if (!WideIsCodePoints) GTEST_SKIP() << "one wide element is one unit here";
   const wchar_t text[] = {static_cast<wchar_t>(0x110000), static_cast<wchar_t>(0xD800), L'a', 0};
   EXPECT_EQ(UnitsOf(TStringCore(text)), u"\xFFFD\xD800z"s.replace(2, 1, u"a"));
@@ -252,7 +286,7 @@ TEST(TStringCoreForms, BadWideElements) {
 
 // ---- Operators
 
-TEST(TStringCoreForms, SingleUnitOperatorsAreLopsided) {
+TEST(TForeignForms, SingleUnitOperatorsAreLopsided) {
   const TStringCore one(u"c");
   const auto expectRow = [](const TStringCore& s, auto c) {
     EXPECT_TRUE(c < s);
@@ -277,7 +311,7 @@ TEST(TStringCoreForms, SingleUnitOperatorsAreLopsided) {
   EXPECT_FALSE(two < L'a');
 }
 
-TEST(TStringCoreForms, TextOperatorsMirror) {
+TEST(TForeignForms, TextOperatorsMirror) {
   const TStringCore s(u"b");
   EXPECT_TRUE(u"a" < s && L"a" < s && s > u"a" && s > L"a");
   EXPECT_TRUE(u"b" <= s && L"b" <= s && u"b" >= s && L"b" >= s);
@@ -285,7 +319,7 @@ TEST(TStringCoreForms, TextOperatorsMirror) {
   EXPECT_FALSE(u"c" < s || L"c" < s || s > u"c" || s > L"c");
 }
 
-TEST(TStringCoreForms, NullIsEmptyTextForOperators) {
+TEST(TForeignForms, NullIsEmptyTextForOperators) {
   const TStringCore empty;
   const TStringCore text(u"a");
   EXPECT_TRUE(empty == nullptr && nullptr == empty && text != nullptr && nullptr != text);
@@ -296,7 +330,7 @@ TEST(TStringCoreForms, NullIsEmptyTextForOperators) {
   EXPECT_TRUE(assigned.empty());
 }
 
-TEST(TStringCoreForms, TheQuirkOfContainsStaysWithItsForm) {
+TEST(TForeignForms, TheQuirkOfContainsStaysWithItsForm) {
   const TStringCore text(u"a");
   EXPECT_FALSE(text.contains(u"A", Insensitive));
   EXPECT_TRUE(text.contains(L"A", Insensitive));
@@ -307,7 +341,7 @@ TEST(TStringCoreForms, TheQuirkOfContainsStaysWithItsForm) {
   EXPECT_FALSE(TStringCore(u"x\0a", 3).contains(L"a")) << "ends at the first NUL";
 }
 
-TEST(TStringCoreForms, NullIsUnambiguousEverywhere) {
+TEST(TForeignForms, NullIsUnambiguousEverywhere) {
   TStringCore s(u"abc");
   const auto it = s.codepoint_cbegin();
   int pos = 0;
@@ -334,7 +368,7 @@ TEST(TStringCoreForms, NullIsUnambiguousEverywhere) {
   EXPECT_EQ(UnitsOf(s), u"abc");
 }
 
-TEST(TStringCoreForms, NarrowTextIsUtf8Everywhere) {
+TEST(TForeignForms, NarrowTextIsUtf8Everywhere) {
   TStringCore s("a\xC3\xA9");
   EXPECT_TRUE(s == "a\xC3\xA9" && s.contains("\xC3\xA9") && s.startsWith("a"));
   EXPECT_EQ(UnitsOf(s + "\xC3\xA8"), u"a\u00E9\u00E8");
