@@ -1,6 +1,7 @@
 #include "qilsys/UnicodeBulk.h"
 
 #include <cstddef>
+#include <type_traits>
 
 #include "qilsys/CodePoint.h"
 
@@ -10,6 +11,8 @@ namespace {
 
 /// How far one code point at a time goes before the kernel is tried again: what stopped it lies within its block.
 constexpr ptrdiff_t Stride = 64;
+/// Where less is left, no kernel gets far.
+constexpr ptrdiff_t ShortRest = 128;
 
 struct Utf8Cursor {
   const unsigned char* next;
@@ -134,6 +137,12 @@ bool StepUtf16(const TCodeUnit*& source, const TCodeUnit* end, char*& target, co
   return true;
 }
 
+template <class S, class T>
+void CopyAscii(const S*& source, const S* end, T*& target, const T* targetEnd) {
+  while (source < end && target < targetEnd && static_cast<std::make_unsigned_t<S>>(*source) < 0x80)
+    *target++ = static_cast<T>(*source++);
+}
+
 template <class S, class T, class Bulk, class Step>
 Progress Convert(const S* source, int length, T* target, int capacity, bool takesAll, Bulk bulk, Step step) {
   const S* next = source;
@@ -144,8 +153,12 @@ Progress Convert(const S* source, int length, T* target, int capacity, bool take
     const Progress done = bulk(next, static_cast<size_t>(end - next), write, static_cast<size_t>(targetEnd - write));
     next += done.consumed;
     write += done.written;
-    if (!takesAll && end - next > Stride) break;
-    if (!step(next, end, write, targetEnd)) break;
+    if (takesAll && end - next >= ShortRest) {
+      if (!step(next, end, write, targetEnd)) break;
+      continue;
+    }
+    CopyAscii(next, end, write, targetEnd);
+    break;
   }
   return {static_cast<size_t>(next - source), static_cast<size_t>(write - target)};
 }
