@@ -126,7 +126,7 @@ TCodeUnit* TStringCore::resizeForWrite(int n) {
       return m_words.inlineUnits;
     }
     promoteToBlock(nextCapacity(n, GrowGeometric));
-  } else {
+  } else if (blockPointer()->capacity <= n || isShared()) {
     const int capacity = nextCapacity(n, GrowGeometric);
     if (isShared()) {
       unshareInto(capacity);
