@@ -19,10 +19,10 @@ def listed_in(folder):
 
 
 def is_listed(path):
-    if path.startswith('tests/support/'):
-        return any(f'support/{os.path.basename(path)}' in read(f) for f in tracked('tests/*CMakeLists.txt'))
     names = [os.path.basename(path)]
     names += [re.sub(r'_(linux|win)\.cpp$', '_${QILSYS_SYSTEM}.cpp', names[0])]
+    if path.startswith('tests/support/'):
+        return any(f'support/{n}' in read(f) for f in tracked('tests/*CMakeLists.txt') for n in names)
     return any(re.search(r'(?<![\w.-])' + re.escape(n) + r'(?![\w.-])', listed_in(os.path.dirname(path))) for n in names)
 
 
