@@ -1,0 +1,23 @@
+/// Memory of any size that is all zeros and takes no room until it is written.
+#pragma once
+
+#include <cstddef>
+
+namespace qilsys::test {
+
+class SparseMemory {
+ public:
+  /// Throws std::bad_alloc where the address space is too small.
+  explicit SparseMemory(std::size_t bytes);
+  SparseMemory(const SparseMemory&) = delete;
+  SparseMemory& operator=(const SparseMemory&) = delete;
+  ~SparseMemory();
+
+  unsigned char* Data() { return m_data; }
+
+ private:
+  unsigned char* m_data;
+  std::size_t m_bytes;
+};
+
+}  // namespace qilsys::test
