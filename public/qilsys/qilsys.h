@@ -29,6 +29,7 @@
 #include "qilsys/TStringCoreInline.h"
 #include "qilsys/TStringCoreOperators.h"
 #include "qilsys/TStringException.h"
+#include "qilsys/TStringHash.h"
 #include "qilsys/TStringOptions.h"
 #include "qilsys/TSystem.h"
 #include "qilsys/Unicode.h"
