@@ -189,8 +189,6 @@ TEST(UnicodeOracle, EveryThreeBytes) {
     bytes[0] = static_cast<char>(value >> 16);
     bytes[1] = static_cast<char>(value >> 8);
     bytes[2] = static_cast<char>(value);
-    // Two in a row that begin with ASCII tell nothing that shorter texts do not.
-    if ((value >> 16) < 0x80 && (value >> 8 & 0xFF) < 0x80) continue;
     ASSERT_TRUE(SameFromUtf8(bytes, 4));
   }
 }
@@ -282,7 +280,7 @@ size_t RandomLength(SeededRandom& random) { return random.Between<size_t>(0, ran
 
 TEST(UnicodeOracle, DamagedUtf8AtAnyCapacity) {
   SeededRandom random(1);
-  for (int round = Rounds(200000); round > 0; --round) {
+  for (int round = Rounds(1000000); round > 0; --round) {
     const std::string source = RandomUtf8(random, RandomLength(random));
     const int size = static_cast<int>(source.size());
     ASSERT_TRUE(SameFromUtf8(source, random.OneIn(2) ? size + 1 : random.Between(0, size + 2)));
@@ -291,7 +289,7 @@ TEST(UnicodeOracle, DamagedUtf8AtAnyCapacity) {
 
 TEST(UnicodeOracle, DamagedUtf16AtAnyCapacity) {
   SeededRandom random(2);
-  for (int round = Rounds(200000); round > 0; --round) {
+  for (int round = Rounds(1000000); round > 0; --round) {
     const Units source = RandomUtf16(random, RandomLength(random));
     if (source.empty()) continue;
     const int size = static_cast<int>(source.size()) * 3;
