@@ -1,4 +1,6 @@
 // The sibling for Windows is MonitoredProcess_win.cpp.
+#include "monitor/MonitoredProcess_platform.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/syscall.h>
@@ -9,7 +11,6 @@
 #include <limits>
 #include <string>
 
-#include "monitor/MonitoredProcess_platform.h"
 #include "monitor/ProcParse.h"
 
 namespace {

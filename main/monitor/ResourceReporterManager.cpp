@@ -27,11 +27,3 @@ void ResourceReporterManager::ReportAll(unsigned int seconds) {
   // By index: a reporter may register or destroy reporters while it is called.
   for (std::size_t i = 0; i < m_reporters.size(); ++i) m_reporters[i]->Report(seconds);
 }
-
-ResourceReporter::ResourceReporter() { ResourceReporterManager::Get().Add(this); }
-
-ResourceReporter::ResourceReporter(const ResourceReporter&) {}
-
-ResourceReporter& ResourceReporter::operator=(const ResourceReporter&) { return *this; }
-
-ResourceReporter::~ResourceReporter() noexcept(false) { ResourceReporterManager::Get().Remove(this); }

@@ -85,8 +85,8 @@ class QILSYS_API ResourceManager {
     /// Asked to end the process, with a code of the settings and the reason. Required. Called on the monitor's worker
     /// thread, so it must not call `Stop`; the worker ends after it.
     std::function<void(unsigned char, const TStringCore&)> m_terminateFunc;
-    /// Installed with `std::set_terminate` by the monitor's threads: what escapes from a callback or a failed send ends
-    /// up there. Null leaves the handler that is in place.
+    /// Installed with `std::set_terminate` by the monitor's threads, which on many systems is for the whole process:
+    /// what escapes from a callback or a failed send ends up there. Null leaves the handler that is in place.
     std::terminate_handler m_terminateHandler = nullptr;
     /// Sends the older, shorter datagram. Both are always understood.
     bool m_useVersion1 = false;

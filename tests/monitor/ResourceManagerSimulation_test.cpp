@@ -261,8 +261,7 @@ void ChangeAtRandom(SeededRandom& random, World::Process& p) {
 }
 
 /// Gives how often a member yielded to the group.
-int SimulateAtRandom(SeededRandom& random, int members, int seconds) {
-  const Wire wire{random.Between(0, 20), random.Between(0, 20), random.Between(0, 20), random.Between(0, 40)};
+int SimulateAtRandom(SeededRandom& random, const Wire& wire, int members, int seconds) {
   World world(random, wire);
   for (int i = 0; i < members; ++i) {
     World::Process& p = world.Add(RandomSettings(random), random.Between(0, 2), random.Between(0, 2),
@@ -277,14 +276,21 @@ int SimulateAtRandom(SeededRandom& random, int members, int seconds) {
 
 TEST(ResourceManagerSimulationTest, AHundredMembersFollowTheRules) {
   SeededRandom random;
-  EXPECT_GT(SimulateAtRandom(random, 100, 40), 0) << "the simulation is to reach what it is for";
+  EXPECT_GT(SimulateAtRandom(random, Wire{12, 15, 12, 0}, 100, 40), 0) << "the simulation is to reach what it is for";
+}
+
+// Among so many there is nearly always a forger that claims to be the highest, so nobody may have to yield.
+TEST(ResourceManagerSimulationTest, AHundredMembersFollowTheRulesAmongForgers) {
+  SeededRandom random;
+  SimulateAtRandom(random, Wire{12, 15, 12, 30}, 100, 40);
 }
 
 TEST(ResourceManagerSimulationTest, GroupsOfAnySizeFollowTheRules) {
   int yields = 0;
   for (int round = 0; round < Rounds(30) && !HasFailure(); ++round) {
     SeededRandom random(static_cast<std::uint64_t>(round) + 1);
-    yields += SimulateAtRandom(random, random.Between(3, 30), 120);
+    const Wire wire{random.Between(0, 20), random.Between(0, 20), random.Between(0, 20), random.Between(0, 100)};
+    yields += SimulateAtRandom(random, wire, random.Between(3, 30), 120);
   }
   EXPECT_GT(yields, 0);
 }

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include "monitor/ChildProcess.h"
@@ -239,10 +240,13 @@ TEST_F(ResourceManagerTest, AFailedStartStaysUntilStop) {
 }
 
 TEST_F(ResourceManagerTest, StopOnTheWorkerThreadRaisesTheThreadError) {
+  std::atomic<bool> started = false;
   std::atomic<bool> refused = false;
   m_memory.m_perProcessLimit = 1;
   m_memory.m_terminateOnExcess = true;
   m_general.m_terminateFunc = [&](unsigned char, const TStringCore&) {
+    // The worker may come here before Start has returned, and these two never run at once.
+    while (!started) std::this_thread::yield();
     try {
       ResourceManager::Stop();
     } catch (const std::system_error& error) {
@@ -250,6 +254,7 @@ TEST_F(ResourceManagerTest, StopOnTheWorkerThreadRaisesTheThreadError) {
     }
   };
   Start();
+  started = true;
   EXPECT_TRUE(Eventually([&] { return refused.load(); }));
   ResourceManager::Stop();
   EXPECT_EQ(Lines().back(), "Resource Manager: stopped");
