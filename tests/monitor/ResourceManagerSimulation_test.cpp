@@ -245,7 +245,8 @@ Settings RandomSettings(SeededRandom& random) {
   settings.InfoEvery(random.Between(0U, 4U));
   settings.m_cpu.m_useRollingMean = random.OneIn(3);
   if (random.OneIn(4)) settings.TerminateCpu(static_cast<unsigned char>(random.Between(0, 255)));
-  if (!random.OneIn(4)) settings.Memory(random.Between<std::uint64_t>(1, 4'000'000), random.Between(0, 60'000'000));
+  if (!random.OneIn(4))
+    settings.Memory(random.Between<std::uint64_t>(1, 4'000'000), random.Between<std::uint64_t>(0, 60'000'000));
   if (random.OneIn(4)) settings.TerminateMemory(static_cast<unsigned char>(random.Between(0, 255)));
   settings.m_general.m_useVersion1 = random.OneIn(4);
   return settings;
