@@ -106,7 +106,8 @@ std::pair<unsigned char, unsigned long long> ResourceManagerImpl::GetCpuAndMemor
   TScopedLock lock(m_peersLock);
   const auto own = m_peers.find(UuidOf(m_ownValues));
   if (own == m_peers.end()) return {0, 0};
-  return {own->second.m_values.cpuPercent, own->second.m_values.memoryBytes};
+  const ResourceValuesV2& values = own->second.m_values;
+  return {values.cpuPercent, std::uint64_t{values.memoryBytes}};
 }
 
 double ResourceManagerImpl::GetMemoryPressure() {

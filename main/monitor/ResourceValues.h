@@ -13,6 +13,7 @@ enum class ResourceValuesVersion : int {
 /// Sixteen bytes, kept apart from boost's type because that one may be aligned.
 using ResourceIdentity = std::array<std::uint8_t, 16>;
 
+// Fields of several bytes are not aligned: take them by value, never by reference.
 #pragma pack(push, 1)
 
 /// The older datagram: no identity but the pid, and no word about the sender's pace.

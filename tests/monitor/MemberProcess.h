@@ -52,6 +52,9 @@ class MemberProcess {
     return m_lines;
   }
 
+  /// Waits for some output, at most this long.
+  void AwaitOutput(std::chrono::milliseconds time) { ReadFor(time); }
+
   /// Reads until a line satisfies `wanted`, among those after the first `from`. False when patience has run out.
   template <class TWanted>
   bool Await(TWanted wanted, std::size_t from = 0) {

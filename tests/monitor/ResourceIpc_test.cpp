@@ -97,10 +97,10 @@ TEST(ResourceIpcTest, Version1IsWidenedOnReceipt) {
   listener.Ipc().Send(values);
   ASSERT_TRUE(listener.HasValues(1));
   const ResourceValuesV2 heard = listener.Values()[0];
-  EXPECT_EQ(heard.version, 2U);
-  EXPECT_EQ(heard.pid, 4660U);
+  EXPECT_EQ(+heard.version, 2U);
+  EXPECT_EQ(+heard.pid, 4660U);
   EXPECT_EQ(heard.uuid, (ResourceIdentity{0x34, 0x12}));
-  EXPECT_EQ(heard.memoryBytes, 0x0102030405060708U);
+  EXPECT_EQ(+heard.memoryBytes, 0x0102030405060708U);
   EXPECT_EQ(heard.memoryLimitPercent, 11);
   EXPECT_EQ(heard.cpuPercent, 22);
   EXPECT_EQ(heard.reportIntervalSeconds, 0);
@@ -186,7 +186,7 @@ TEST(ResourceIpcTest, AFloodIsHeardWhole) {
   constexpr unsigned int count = 200;
   for (unsigned int i = 0; i < count; ++i) listener.Ipc().Send(Sample(static_cast<std::uint8_t>(i)));
   ASSERT_TRUE(listener.HasValues(count));
-  for (unsigned int i = 0; i < count; ++i) EXPECT_EQ(listener.Values()[i].pid, i);
+  for (unsigned int i = 0; i < count; ++i) EXPECT_EQ(+listener.Values()[i].pid, i);
 }
 
 TEST(ResourceIpcTest, APortTakenByAStrangerIsABindFailure) {

@@ -208,7 +208,7 @@ TEST(MemoryFiguresTest, TheSampleIsRankedByItsShareOfTheLimit) {
   Member member(Settings().Memory(1000, 5000));
   member.m_reading.m_memoryBytes = 3000;
   member.Step();
-  EXPECT_EQ(member.m_ownValues.memoryBytes, 3000U);
+  EXPECT_EQ(+member.m_ownValues.memoryBytes, 3000U);
   EXPECT_EQ(member.m_ownValues.memoryLimitPercent, 44) << "300 percent is cut to eight bits";
 }
 

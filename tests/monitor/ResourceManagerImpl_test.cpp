@@ -161,7 +161,7 @@ TEST(StartMonitoringTest, ATakenPortPassesTheFailureOn) {
 TEST(OwnValuesTest, AreMadeFromTheSettings) {
   const RealMember member(Settings().Interval(300));
   EXPECT_EQ(member.m_rvVersion, ResourceValuesVersion::VER_2);
-  EXPECT_EQ(member.m_ownValues.pid, TSystem::ProcessID());
+  EXPECT_EQ(+member.m_ownValues.pid, TSystem::ProcessID());
   EXPECT_EQ(member.m_ownValues.reportIntervalSeconds, 44);
   const RealMember older(Settings().Version1());
   EXPECT_EQ(older.m_rvVersion, ResourceValuesVersion::VER_1);
@@ -187,15 +187,15 @@ TEST_F(SamplingTest, FiguresOfAPolicyThatIsOffStayZero) {
   RealMember member(m_settings);
   const ResourceValuesV2 values = SampleOf(member);
   EXPECT_EQ(values.cpuPercent, 0);
-  EXPECT_GT(values.memoryBytes, 0U);
-  EXPECT_EQ(member.GetCpuAndMemoryUsage(), (std::pair<unsigned char, unsigned long long>(0, values.memoryBytes)));
+  EXPECT_GT(+values.memoryBytes, 0U);
+  EXPECT_EQ(member.GetCpuAndMemoryUsage(), (std::pair<unsigned char, unsigned long long>(0, +values.memoryBytes)));
 }
 
 TEST_F(SamplingTest, WithoutAMemoryLimitNoMemoryIsTold) {
   m_settings.Cpu(50);
   RealMember member(m_settings);
   const ResourceValuesV2 values = SampleOf(member);
-  EXPECT_EQ(values.memoryBytes, 0U);
+  EXPECT_EQ(+values.memoryBytes, 0U);
   EXPECT_EQ(values.memoryLimitPercent, 0);
 }
 
@@ -209,7 +209,7 @@ TEST_F(SamplingTest, ChildrenCountAsTheProcess) {
   const unsigned long long children = member.Children().GetMemoryUsage();
   EXPECT_GT(children, 0U);
   const ResourceValuesV2 values = SampleOf(member);
-  EXPECT_GE(values.memoryBytes, own / 2 + children);
+  EXPECT_GE(+values.memoryBytes, own / 2 + children);
   EXPECT_GE(member.GetMemoryPressure(), static_cast<double>(children) / (1 << 30));
 }
 

@@ -40,10 +40,10 @@ TEST(ResourceValuesTest, WideningPutsThePidIntoTheIdentity) {
   values.memoryLimitPercent = 55;
   values.cpuPercent = 66;
   const ResourceValuesV2 wide = Widen(values);
-  EXPECT_EQ(wide.version, 2U);
-  EXPECT_EQ(wide.pid, 4660U);
+  EXPECT_EQ(+wide.version, 2U);
+  EXPECT_EQ(+wide.pid, 4660U);
   EXPECT_EQ(wide.uuid, (ResourceIdentity{0x34, 0x12}));
-  EXPECT_EQ(wide.memoryBytes, 0x1122334455667788U);
+  EXPECT_EQ(+wide.memoryBytes, 0x1122334455667788U);
   EXPECT_EQ(wide.memoryLimitPercent, 55);
   EXPECT_EQ(wide.cpuPercent, 66);
   EXPECT_EQ(wide.reportIntervalSeconds, 0);
@@ -57,19 +57,19 @@ TEST(ResourceValuesTest, NarrowingKeepsWhatVersion1Has) {
   values.memoryLimitPercent = 1;
   values.cpuPercent = 2;
   const ResourceValuesV1 narrow = Narrow(values);
-  EXPECT_EQ(narrow.pid, 7U);
-  EXPECT_EQ(narrow.memoryBytes, 8U);
+  EXPECT_EQ(+narrow.pid, 7U);
+  EXPECT_EQ(+narrow.memoryBytes, 8U);
   EXPECT_EQ(narrow.memoryLimitPercent, 1);
   EXPECT_EQ(narrow.cpuPercent, 2);
 }
 
 TEST(ResourceValuesTest, OwnRecordOfVersion2HasARandomVersion4Identity) {
   const ResourceValuesV2 own = MakeOwnValues(ResourceValuesVersion::VER_2, 4711, 5);
-  EXPECT_EQ(own.version, 2U);
-  EXPECT_EQ(own.pid, 4711U);
+  EXPECT_EQ(+own.version, 2U);
+  EXPECT_EQ(+own.pid, 4711U);
   EXPECT_EQ(own.uuid[6] & 0xF0, 0x40);
   EXPECT_EQ(own.uuid[8] & 0xC0, 0x80);
-  EXPECT_EQ(own.memoryBytes, 0U);
+  EXPECT_EQ(+own.memoryBytes, 0U);
   EXPECT_EQ(own.memoryLimitPercent, 0);
   EXPECT_EQ(own.cpuPercent, 0);
   EXPECT_EQ(own.reportIntervalSeconds, 5);
@@ -78,8 +78,8 @@ TEST(ResourceValuesTest, OwnRecordOfVersion2HasARandomVersion4Identity) {
 
 TEST(ResourceValuesTest, OwnRecordOfVersion1IsWhatOthersMakeOfIt) {
   const ResourceValuesV2 own = MakeOwnValues(ResourceValuesVersion::VER_1, 4660, 5);
-  EXPECT_EQ(own.version, 2U);
-  EXPECT_EQ(own.pid, 4660U);
+  EXPECT_EQ(+own.version, 2U);
+  EXPECT_EQ(+own.pid, 4660U);
   EXPECT_EQ(own.uuid, (ResourceIdentity{0x34, 0x12}));
   EXPECT_EQ(own.reportIntervalSeconds, 0);
 }
