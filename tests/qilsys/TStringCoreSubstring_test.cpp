@@ -124,7 +124,7 @@ TEST(Justified, EdgeCases) {
   EXPECT_EQ(text.leftJustified(-3, u' ', false), u"abc");
   EXPECT_EQ(text.leftJustified(4), u"abc ");
   EXPECT_EQ(text.rightJustified(20, u'\0', false).length(), 20);
-  EXPECT_EQ(TStringCore().leftJustified(3, u'x', false), u"xxx");
+  EXPECT_EQ(TStringCore().leftJustified(3, u'*', false), u"***");
 }
 
 TEST(Justified, UnchangedTextIsShared) {
