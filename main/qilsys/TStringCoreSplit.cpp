@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "qilsys/CodePoint.h"
 #include "qilsys/Fields.h"
 #include "qilsys/Search.h"
@@ -85,7 +87,15 @@ Strings TStringCore::split(const TCodeUnit* text, int len, TCodeUnit sep, SplitB
   Strings fields;
   fields.reserve(static_cast<std::size_t>(countFields(text, len, sep, dropEmpty)));
   search::eachField(text, len, sep, [&](int offset, int length) {
-    if (length != 0 || !dropEmpty) fields.emplace_back(text + offset, length);
+    if (length == 0 && dropEmpty) return;
+    if (length > MaxInlineLength || len - offset < MaxInlineLength) {
+      fields.emplace_back(text + offset, length);
+    } else {
+      // A copy of fixed size costs less than one by length; what stands behind the terminator never shows.
+      TStringCore& field = fields.emplace_back();
+      std::memcpy(field.m_words.inlineUnits, text + offset, MaxInlineLength * sizeof(TCodeUnit));
+      field.setInlineLength(length);
+    }
   });
   return fields;
 }

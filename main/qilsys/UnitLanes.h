@@ -48,6 +48,10 @@ class PortableLanes {
     return combine(other, [](std::uint16_t a, std::uint16_t b) { return a & b; });
   }
 
+  PortableLanes operator-(const PortableLanes& other) const {
+    return combine(other, [](std::uint16_t a, std::uint16_t b) { return a - b; });
+  }
+
   PortableLanes foldAscii() const {
     return combine(*this, [](std::uint16_t a, std::uint16_t) { return a >= 0x41 && a <= 0x5A ? a | 0x20 : a; });
   }
@@ -56,6 +60,12 @@ class PortableLanes {
     std::uint32_t bits = 0;
     for (int i = 0; i < Count; ++i) bits |= (m_units[i] & 1U) << i;
     return bits;
+  }
+
+  int sum() const {
+    int sum = 0;
+    for (const std::uint16_t unit : m_units) sum += unit;
+    return sum;
   }
 
  private:
@@ -95,9 +105,22 @@ class Sse2Lanes {
     return {_mm_and_si128(m_low, other.m_low), _mm_and_si128(m_high, other.m_high)};
   }
 
+  Sse2Lanes operator-(const Sse2Lanes& other) const {
+    return {_mm_sub_epi16(m_low, other.m_low), _mm_sub_epi16(m_high, other.m_high)};
+  }
+
   Sse2Lanes foldAscii() const { return {foldAscii(m_low), foldAscii(m_high)}; }
 
   std::uint32_t bits() const { return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(m_low, m_high))); }
+
+  int sum() const {
+    std::uint16_t units[Count];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(units), m_low);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(units + 8), m_high);
+    int sum = 0;
+    for (const std::uint16_t unit : units) sum += unit;
+    return sum;
+  }
 
  private:
   Sse2Lanes(__m128i low, __m128i high) : m_low(low), m_high(high) {}

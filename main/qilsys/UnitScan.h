@@ -4,6 +4,7 @@
 /// are templates on the lanes, so that the portable ones run the same code.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -57,13 +58,22 @@ void scanEach(int to, const Test& test, Hit hit) {
   }
 }
 
-/// How many indices below `to` there are at which the test holds.
+/// How many indices below `to` there are at which the test holds. The test gives its lanes, which count themselves:
+/// each is minus one where it holds.
 template <class Test>
 int scanCount(int to, const Test& test) {
   constexpr int Count = Test::Lanes::Count;
+  // No lane can count higher than a unit holds.
+  constexpr int MostAtOnce = 0xFFFF * Count;
   int count = 0;
   int from = 0;
-  for (; to - from >= Count; from += Count) count += std::popcount(test.block(from));
+  while (to - from >= Count) {
+    auto counts = Test::Lanes::all(0);
+    for (const int end = from + std::min(to - from, MostAtOnce) / Count * Count; from < end; from += Count) {
+      counts = counts - test.lanes(from);
+    }
+    count += counts.sum();
+  }
   for (; from < to; ++from) count += test.unit(from) ? 1 : 0;
   return count;
 }

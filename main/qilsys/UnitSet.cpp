@@ -55,7 +55,6 @@ void UnitSet::decode(const TCodeUnit* set, int setLen) {
 }
 
 bool UnitSet::holds(char32_t codePoint) const {
-  if (m_kind == Kind::Ascii) return codePoint < 0x80 && m_ascii[codePoint];
   return std::find(m_many.begin(), m_many.end(), codePoint) != m_many.end();
 }
 
@@ -72,9 +71,19 @@ int UnitSet::find(const TCodeUnit* text, int textLen, int start) const {
     if (m_count == 0) return Wanted ? -1 : start;
     return findFew<Wanted, 1>(text, textLen, start);
   }
+  if (m_kind == Kind::Ascii) return findAscii<Wanted>(text, textLen, start);
   int units = 0;
   for (int at = start; at < textLen; at += units) {
     if (holds(CodePoint::GetCodePoint(text + at, &units)) == Wanted) return at;
+  }
+  return -1;
+}
+
+// No part of a code point outside ASCII is ASCII, so units will do.
+template <bool Wanted>
+int UnitSet::findAscii(const TCodeUnit* text, int textLen, int start) const {
+  for (int at = start; at < textLen; ++at) {
+    if ((text[at] < 0x80 && m_ascii[text[at]]) == Wanted) return at;
   }
   return -1;
 }

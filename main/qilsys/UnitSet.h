@@ -32,6 +32,8 @@ class UnitSet {
   bool holds(char32_t codePoint) const;
   template <bool Wanted>
   int find(const TCodeUnit* text, int textLen, int start) const;
+  template <bool Wanted>
+  int findAscii(const TCodeUnit* text, int textLen, int start) const;
   template <bool Wanted, int N>
   int findFew(const TCodeUnit* text, int textLen, int start) const;
 
