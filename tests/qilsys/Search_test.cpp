@@ -25,6 +25,17 @@ constexpr CaseSensitivity AllSensitivities[] = {TStringCore::CaseInsensitive, TS
 // Only CaseSensitive does not fold.
 bool Folds(CaseSensitivity cs) { return cs != TStringCore::CaseSensitive; }
 
+// Terminated text in an allocation of exactly that size, so that a sanitizer sees every read behind it.
+class Exact {
+ public:
+  explicit Exact(const std::u16string& text) : m_units(text.begin(), text.end()) { m_units.push_back(0); }
+  operator const TCodeUnit*() const { return m_units.data(); }
+  int length() const { return static_cast<int>(m_units.size()) - 1; }
+
+ private:
+  std::vector<TCodeUnit> m_units;
+};
+
 struct Case {
   std::u16string text;
   std::u16string needle;
@@ -49,8 +60,8 @@ TEST(SearchRandom, FindStrCoreAgreesWithTheModel) {
   SeededRandom random;
   for (int round = Rounds(20000); round > 0; --round) {
     const Case c = RandomCase(random);
-    const TStringCore text = String(c.text);
-    const TStringCore needle = String(c.needle);
+    const Exact text(c.text);
+    const Exact needle(c.needle);
     for (const CaseSensitivity cs : AllSensitivities) {
       ASSERT_EQ(findStrCore(text, text.length(), needle, needle.length(), c.start, cs),
                 test::ModelFind(c.text, c.needle, c.start, Folds(cs)))
@@ -64,8 +75,8 @@ TEST(SearchRandom, KmpSearchAgreesWithTheModel) {
   for (int round = Rounds(5000); round > 0; --round) {
     const Case c = RandomCase(random);
     if (c.text.empty() || c.needle.empty() || c.needle[0] == 0) continue;
-    const TStringCore text = String(c.text);
-    const TStringCore needle = String(c.needle);
+    const Exact text(c.text);
+    const Exact needle(c.needle);
     for (const CaseSensitivity cs : AllSensitivities) {
       std::vector<int> table;
       buildFailureTable(needle, needle.length(), table, cs);
@@ -79,8 +90,8 @@ TEST(SearchRandom, BackwardSearchAgreesWithTheModel) {
   SeededRandom random;
   for (int round = Rounds(20000); round > 0; --round) {
     const Case c = RandomCase(random);
-    const TStringCore text = String(c.text);
-    const TStringCore needle = String(c.needle);
+    const Exact text(c.text);
+    const Exact needle(c.needle);
     for (const CaseSensitivity cs : AllSensitivities) {
       ASSERT_EQ(findLastStr(text, text.length(), needle, needle.length(), c.start, cs),
                 test::ModelLastIndexOf(c.text, c.needle, c.start, Folds(cs)))
@@ -106,8 +117,8 @@ TEST(SearchRandom, ComparingAgreesWithTheModel) {
     std::u16string other = c.text;
     for (char16_t& unit : other) unit = random.OneIn(30) ? SearchAlphabet[3] : unit;
     if (random.OneIn(3)) other = c.needle;
-    const TStringCore a = String(c.text);
-    const TStringCore b = String(other);
+    const Exact a(c.text);
+    const Exact b(other);
     for (const CaseSensitivity cs : AllSensitivities) {
       const int wanted = test::ModelCompare(c.text, other, Folds(cs));
       ASSERT_EQ(compareText(a, a.length(), b, b.length(), cs), wanted);
@@ -123,8 +134,8 @@ TEST(SearchRandom, SetsAgreeWithTheModel) {
   for (int round = Rounds(20000); round > 0; --round) {
     const Case c = RandomCase(random);
     std::u16string set = RandomText(random, random.OneIn(2) ? SearchAlphabet : Ascii, random.OneIn(2) ? 4 : 20);
-    const TStringCore text = String(c.text);
-    const TStringCore members = String(set);
+    const Exact text(c.text);
+    const Exact members(set);
     ASSERT_EQ(findAnyOfCore(text, text.length(), members, members.length(), c.start),
               test::ModelFindAnyOf(c.text, set, c.start))
         << testing::PrintToString(c.text) << testing::PrintToString(set) << c.start;
@@ -139,7 +150,7 @@ TEST(SearchRandom, SpansAgreeWithTheModel) {
   for (int round = Rounds(10000); round > 0; --round) {
     const Case c = RandomCase(random);
     const std::u16string sep{test::ModelToNul(c.needle)};
-    const TStringCore text = String(c.text);
+    const Exact text(c.text);
     for (const bool dropEmpty : {false, true}) {
       for (const CaseSensitivity cs : {TStringCore::CaseInsensitive, TStringCore::CaseSensitive}) {
         std::vector<FieldSpan> wanted;
