@@ -175,6 +175,17 @@ TEST(Search, FoldedSearchThroughNearMissesFindsTheFirstMatch) {
   EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 2801, TStringCore::CaseInsensitive), 4300);
 }
 
+// One of these matches stands at the very place where the table takes over.
+TEST(Search, FoldedSearchThroughNearMissesFindsAMatchAtAnyPlace) {
+  const std::u16string needle = std::u16string(20, u'a') + u"b" + std::u16string(20, u'a');
+  for (std::size_t at = 0; at < 500; ++at) {
+    std::u16string text(600, u'A');
+    text[at + 20] = u'B';
+    ASSERT_EQ(findStrCore(text.c_str(), 600, needle.c_str(), 41, 0, TStringCore::CaseInsensitive),
+              static_cast<int>(at));
+  }
+}
+
 TEST(Search, FailureTableHoldsBorders) {
   std::vector<int> table;
   buildFailureTable(u"aabaaab", 7, table, TStringCore::CaseSensitive);
