@@ -152,7 +152,10 @@ struct ShaRounds {
       const auto at = [&](size_t k) -> uint32_t& { return v[(k + 80 - round) % 5]; };
       const auto word = [&](size_t k) -> uint32_t& { return w[(round + k) & 15]; };
       if (round >= BlockWords) word(0) = sha2::ROTL32(word(13) ^ word(8) ^ word(2) ^ word(0), 1);
-      at(4) += sha2::ROTL32(at(0), 5) + Sha1Function<Group>(at(1), at(2), at(3)) + word(0) + Sha1Constants[Group];
+      // What the round before has just made comes last into the sum.
+      at(4) += word(0) + Sha1Constants[Group];
+      at(4) += Sha1Function<Group>(at(1), at(2), at(3));
+      at(4) += sha2::ROTL32(at(0), 5);
       at(1) = sha2::ROTL32(at(1), 30);
     }
   }
