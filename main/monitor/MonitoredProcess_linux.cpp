@@ -147,8 +147,9 @@ std::vector<ProcessorClock> ReadProcessorClocks() {
   std::vector<ProcessorClock> clocks;
   for (long i = 0; i < sysconf(_SC_NPROCESSORS_CONF); ++i) {
     const std::optional<std::uint64_t> current = ReadFrequency(i, "scaling_cur_freq");
+    if (!current) continue;
     const std::optional<std::uint64_t> maximum = ReadFrequency(i, "cpuinfo_max_freq");
-    if (current && maximum) clocks.push_back({*current, *maximum});
+    if (maximum) clocks.push_back({*current, *maximum});
   }
   return clocks;
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "monitor/ResourceIpc_platform.h"
+#include "monitor/ThreadJoin.h"
 
 using boost::asio::ip::udp;
 
@@ -44,7 +45,7 @@ ResourceIpc::~ResourceIpc() { Stop(); }
 
 void ResourceIpc::Stop() {
   m_receiveContext.stop();
-  if (m_thread.joinable()) m_thread.join();
+  JoinIfJoinable(m_thread);
 }
 
 void ResourceIpc::OpenSendSocket() {

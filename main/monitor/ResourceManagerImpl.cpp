@@ -5,6 +5,7 @@
 #include "monitor/Duration.h"
 #include "monitor/LogText.h"
 #include "monitor/ResourceReporterManager.h"
+#include "monitor/ThreadJoin.h"
 #include "qilsys/LogicException.h"
 #include "qilsys/TSystem.h"
 
@@ -96,8 +97,8 @@ void ResourceManagerImpl::StartWorker() {
 
 void ResourceManagerImpl::StopThreads() {
   m_stopEvent.Signal();
-  if (m_worker && m_worker->joinable()) m_worker->join();
-  if (m_secondWorker && m_secondWorker->joinable()) m_secondWorker->join();
+  if (m_worker) JoinIfJoinable(*m_worker);
+  if (m_secondWorker) JoinIfJoinable(*m_secondWorker);
   if (m_ipc) m_ipc->Stop();
   m_ipc.reset();
 }

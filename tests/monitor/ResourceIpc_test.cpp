@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <boost/system/system_error.hpp>
 #include <cstring>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 #include <vector>
 
 #include "monitor/Loopback.h"
@@ -178,6 +180,23 @@ TEST(ResourceIpcTest, StoppingTwiceIsStoppingOnce) {
   listener.Ipc().Stop();
   listener.Destroy();
   EXPECT_EQ(listener.Lines(), std::vector<std::string>{s_stopped});
+}
+
+TEST(ResourceIpcTest, StoppingOnTheListeningThreadIsTheThreadError) {
+  std::atomic<bool> refused = false;
+  ResourceIpc* self = nullptr;
+  const auto stopInside = [&](const ResourceValuesV2&) {
+    try {
+      self->Stop();
+    } catch (const std::system_error& error) {
+      refused = error.code() == std::errc::resource_deadlock_would_occur;
+    }
+  };
+  ResourceIpc ipc(
+      FreePort(), stopInside, [](const TStringCore&) {}, nullptr);
+  self = &ipc;
+  ipc.Send(Sample(1));
+  EXPECT_TRUE(Eventually([&] { return refused.load(); }));
 }
 
 TEST(ResourceIpcTest, AFloodIsHeardWhole) {
