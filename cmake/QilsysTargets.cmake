@@ -22,6 +22,9 @@ else()
   set(QILSYS_SYSTEM linux)
 endif()
 
+# Part of C++ since 2014, which clang leaves out by default before version 19.
+add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fsized-deallocation>)
+
 option(QILSYS_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 option(QILSYS_TESTS_ONE_BY_ONE "Register every test case with CTest, rather than every test program" ON)
 set(QILSYS_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")
