@@ -54,7 +54,8 @@ void ExpectClassSurvives(const E& raised) {
   EXPECT_THROW(seen.Throw(), E);
   const std::unique_ptr<Exception> clone(seen.Clone());
   EXPECT_NE(dynamic_cast<E*>(clone.get()), nullptr);
-  EXPECT_EQ(typeid(*clone), typeid(E));
+  const Exception& copy = *clone;
+  EXPECT_EQ(typeid(copy), typeid(E));
   EXPECT_EQ(UnitsOf(clone->message), UnitsOf(raised.message));
 }
 
