@@ -7,4 +7,4 @@
 
 #include <cstdio>
 
-void qilsys::WriteToDebugChannel(const char* text) noexcept { std::fprintf(stderr, "%s\n", text); }
+void qilsys::WriteToDebugChannel(const char* text) noexcept { static_cast<void>(std::fprintf(stderr, "%s\n", text)); }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -133,9 +132,7 @@ void ErrorInfo::SetAuxDatum(const TStringCore& key, const TStringCore& value) {
 void ErrorInfo::GetMembersAsStrings(TStringCore& code, TStringCore& source, TStringCore& status) const {
   status = TStringCore::number(static_cast<int>(m_status));
   source = GetErrorSourceAsString(m_source);
-  std::array<char, 11> digits;
-  std::snprintf(digits.data(), digits.size(), "0x%08X", m_error.GetCode());
-  code = TStringCore(digits.data());
+  code = u"0x" + TStringCore::number(m_error.GetCode(), 16).rightJustified(8, u'0').toUpper();
 }
 
 ErrorInfo ErrorInfo::FromStringifiedMembers(const TStringCore& code, const TStringCore& source,

@@ -60,7 +60,8 @@ TStringCore& TStringCore::removeAll(const TCodeUnit* s, int len, CaseSensitivity
 }
 
 TStringCore& TStringCore::removeAll(const TStringCore& text, CaseSensitivity cs) {
-  const TStringCore sought = text;
+  // A copy, since `text` may be this string.
+  const TStringCore sought = text;  // NOLINT(performance-unnecessary-copy-initialization)
   return removeAll(sought.constData(), sought.length(), cs);
 }
 

@@ -91,7 +91,8 @@ TStringCore& TStringCore::trimRight(const TStringCore& set) { return trimRight(s
 TStringCore& TStringCore::trimLeft(const TStringCore& set) { return removeLeading(findOneNotOf(set, 0)); }
 
 TStringCore& TStringCore::trim(const TStringCore& set) {
-  const TStringCore kept = set;
+  // A copy, since `set` may be this string.
+  const TStringCore kept = set;  // NOLINT(performance-unnecessary-copy-initialization)
   return trimRight(kept).trimLeft(kept);
 }
 

@@ -80,7 +80,7 @@ class QILSYS_API sha2 {
 
   static uint32_t REVERSE32(uint32_t word);
   static uint64_t REVERSE64(uint64_t word);
-  static void ADDINC128(uint64_t* count, uint64_t bytes);
+  static void ADDINC128(uint64_t* count, uint64_t bits);
   static void MEMCPY_BCOPY(void* target, const void* source, size_t length);
   static void MEMSET_BZERO(void* target, size_t length);
 
