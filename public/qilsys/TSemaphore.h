@@ -30,6 +30,7 @@ class QILSYS_API TSemaphore : public RefCntObject {
 
 /// Holds a unit of a semaphore from its construction until its last reference goes, or `Reset`. Not for concurrent
 /// `Reset`. A null semaphore is a logic assertion.
+/// A unit that the semaphore refuses to take back is reported by `Reset` and dropped in silence by the destructor.
 class QILSYS_API TSemaphoreScope : public RefCntObject {
  public:
   /// Waits for a unit without limit.
