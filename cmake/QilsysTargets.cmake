@@ -15,6 +15,10 @@ target_include_directories(qilsys_grpc_header SYSTEM INTERFACE ${QILSYS_GRPC_INC
 
 add_library(qilsys_dependencies INTERFACE)
 target_link_libraries(qilsys_dependencies INTERFACE qilsys_grpc_header Threads::Threads Boost::headers TBB::tbb ICU::uc)
+if(WIN32)
+  target_compile_definitions(qilsys_dependencies INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+  target_link_libraries(qilsys_dependencies INTERFACE bcrypt psapi powrprof ws2_32 mswsock)
+endif()
 
 if(WIN32)
   set(QILSYS_SYSTEM win)
@@ -54,8 +58,8 @@ target_compile_options(qilsys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshad
 function(qilsys_add_tests name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name}_tests ${arg_SOURCES})
-  target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name}_tests PRIVATE qilsys_inside qilsys_warnings GTest::gmock GTest::gtest_main ${arg_LIBRARIES})
+  target_link_libraries(${name}_tests PRIVATE qilsys_inside qilsys_warnings qilsys_test_support GTest::gtest_main
+                                              ${arg_LIBRARIES})
   if(QILSYS_TESTS_ONE_BY_ONE)
     # Rows of tables carry their name in the name of the test; their bytes say nothing more.
     gtest_discover_tests(${name}_tests NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS "${name};${arg_LABELS}")
