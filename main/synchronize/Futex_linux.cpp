@@ -11,6 +11,8 @@
 
 #include <cerrno>
 
+#include "synchronize/SynchronizeForTest.h"
+
 namespace qilsys::synchronize {
 namespace {
 
@@ -58,6 +60,8 @@ void FutexWakeOne(const TFutexWord* address) noexcept {
   syscall(SYS_futex, address, FUTEX_WAKE | FUTEX_PRIVATE_FLAG, 1, nullptr, nullptr, 0);
 }
 
-void FailFutexWaitsForTest(int error) noexcept { t_errorForTest = error; }
-
 }  // namespace qilsys::synchronize
+
+const bool SynchronizeForTest::s_countsThoseWhoArrived = true;
+
+void SynchronizeForTest::FailWaits(int error) { qilsys::synchronize::t_errorForTest = error; }

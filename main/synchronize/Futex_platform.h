@@ -44,7 +44,4 @@ FutexResult FutexWait(const TFutexWord& word, std::uint32_t expected, const TDea
 /// sleeper on a later word at the same address sees a wake without a cause.
 void FutexWakeOne(const TFutexWord* address) noexcept;
 
-/// Makes every FutexWait of this thread fail with the error number given, until called with 0.
-void FailFutexWaitsForTest(int error) noexcept;
-
 }  // namespace qilsys::synchronize

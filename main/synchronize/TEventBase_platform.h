@@ -9,9 +9,9 @@
 /// error, which TSystem::GetLastErrorString reads.
 ///
 /// A set event is handed to the threads that are waiting at that moment, whatever becomes of the state afterwards: all
-/// of them on manual reset, the one that has waited longest on auto reset, where an event that nobody waits for stays
-/// set for one waiter to come. Setting releases its waiters as its last act and touches nothing of the event after
-/// that, so a waiter that knows of no other use may destroy it.
+/// of them on manual reset, one on auto reset, where an event that nobody waits for stays set for one waiter to come.
+/// That one has waited longest, where the system promises an order. Setting releases its waiters as its last act and
+/// touches nothing of the event after that, so a waiter that knows of no other use may destroy it.
 class TPlatformEvent {
  public:
   enum class Kind { ManualReset, AutoReset };
@@ -33,7 +33,7 @@ class TPlatformEvent {
   /// waiting.
   bool Wait(std::uint32_t milliseconds);
 
-  /// How many threads wait; each of them is reached by a Set that follows.
+  /// How many threads wait; see SynchronizeForTest.
   unsigned int WaitersForTest();
 
  private:

@@ -85,7 +85,12 @@ void TReadWriteLock::UnlockRead() {
   }
 }
 
-unsigned int SynchronizeForTest::WaitingWriters(TReadWriteLock& lock) { return lock.m_impl->m_cv.SleepersForTest(); }
+unsigned int SynchronizeForTest::WaitingWriters(TReadWriteLock& lock) {
+  lock.m_impl->m_section.Enter();
+  const unsigned int waiting = lock.m_impl->m_cv.SleepersForTest();
+  lock.m_impl->m_section.Leave();
+  return waiting;
+}
 
 bool SynchronizeForTest::IsContended(const TRecursiveMutex& mutex) { return mutex.m_section->IsContendedForTest(); }
 

@@ -3,8 +3,8 @@
 
 #include "synchronize/TOpaqueStorage.h"
 
-/// A mutex that its thread may enter again and must leave as many times. A thread that finds it taken spins for a
-/// while before it sleeps, on machines with more than one processor.
+/// A mutex that its thread may enter again and must leave as many times. A thread that finds it taken looks 4000 times
+/// before it sleeps, on machines with more than one processor.
 class TCriticalSection {
  public:
   TCriticalSection();
@@ -37,10 +37,10 @@ class TConditionVariable {
   /// comes after the section was left is not missed. May return without a wake. False if the system can't wait; the
   /// section is entered again then too.
   bool Sleep(TCriticalSection& section) noexcept;
-  /// Wakes the thread that has slept longest, if there is one.
+  /// Wakes one thread, if one sleeps: the one that has slept longest, where the system promises an order.
   void WakeOne() noexcept;
 
-  /// How many threads sleep.
+  /// How many threads sleep. Exact while the caller is inside of the section that they sleep in.
   unsigned int SleepersForTest() noexcept;
 
  private:

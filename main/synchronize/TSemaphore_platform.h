@@ -21,13 +21,14 @@ class TPlatformSemaphore {
   bool Create(std::uint32_t initial, std::uint32_t maximum);
   /// 0 looks without waiting. `Failed` if the system can't wait.
   WaitResult Wait(std::uint32_t milliseconds);
-  /// Gives one unit, to the thread that has waited longest if there is one. False at the maximum; the count stays.
+  /// Gives one unit: to a thread that waits, if there is one, by the order of arrival where the system promises it.
+  /// False at the maximum; the count stays.
   bool Release();
 
   /// The calling thread's last error, by the system's own number.
   static unsigned int LastError();
 
-  /// How many threads wait.
+  /// How many threads wait; see SynchronizeForTest.
   unsigned int WaitersForTest();
 
  private:

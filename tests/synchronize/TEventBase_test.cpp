@@ -10,12 +10,11 @@
 #include "qilsys/TSystem.h"
 #include "support/CaughtAssertion.h"
 #include "support/Eventually.h"
-#include "synchronize/Futex_platform.h"
+#include "synchronize/SynchronizeForTest.h"
 
 namespace {
 
 using namespace std::chrono_literals;
-using qilsys::synchronize::FailFutexWaitsForTest;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;
@@ -76,10 +75,10 @@ TEST_P(TPlatformEventTest, TheWaiterThatASetHasReleasedMayDestroyTheEvent) {
 
 TEST_P(TPlatformEventTest, AWaitThatTheSystemRefusesIsFalse) {
   TPlatformEvent event(GetParam().m_kind);
-  FailFutexWaitsForTest(EPERM);
+  SynchronizeForTest::FailWaits(EPERM);
   const bool limited = event.Wait(1000000);
   const bool unlimited = event.Wait(TPlatformEvent::s_noLimit);
-  FailFutexWaitsForTest(0);
+  SynchronizeForTest::FailWaits(0);
   EXPECT_FALSE(limited);
   EXPECT_FALSE(unlimited);
   EXPECT_EQ(event.WaitersForTest(), 0u);
@@ -87,9 +86,9 @@ TEST_P(TPlatformEventTest, AWaitThatTheSystemRefusesIsFalse) {
 
 TEST(TEventBase, AWaitWithoutLimitIsFalseAndRaisesNothingWhereTheSystemRefuses) {
   TEventBase base(Kind::ManualReset);
-  FailFutexWaitsForTest(EPERM);
+  SynchronizeForTest::FailWaits(EPERM);
   const bool result = base.Wait();
-  FailFutexWaitsForTest(0);
+  SynchronizeForTest::FailWaits(0);
   EXPECT_FALSE(result);
 }
 

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "support/Eventually.h"
+#include "synchronize/SynchronizeForTest.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ TEST(TFutexLock, IsTakenAlsoWhereTheSystemCannotWait) {
   TFutexLock lock;
   lock.Lock();
   std::jthread other([&] {
-    qilsys::synchronize::FailFutexWaitsForTest(EPERM);
+    SynchronizeForTest::FailWaits(EPERM);
     lock.Lock();
   });
   ASSERT_TRUE(Eventually([&] { return lock.IsContendedForTest(); }));

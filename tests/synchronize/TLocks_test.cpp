@@ -12,13 +12,11 @@
 
 #include "support/CaughtAssertion.h"
 #include "support/Eventually.h"
-#include "synchronize/Futex_platform.h"
 #include "synchronize/SynchronizeForTest.h"
 #include "synchronize/TLocks_platform.h"
 
 namespace {
 
-using qilsys::synchronize::FailFutexWaitsForTest;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;
@@ -319,9 +317,9 @@ TEST_F(TReadWriteLockTest, AnAssertionLeavesTheLockWedged) {
 
 TEST_F(TReadWriteLockTest, ASleepThatTheSystemRefusesIsAnAssertion) {
   m_lock.LockRead();
-  FailFutexWaitsForTest(EPERM);
+  SynchronizeForTest::FailWaits(EPERM);
   const CaughtAssertion caught = CatchAssertion([&] { m_lock.Lock(); });
-  FailFutexWaitsForTest(0);
+  SynchronizeForTest::FailWaits(0);
   EXPECT_EQ(caught, (CaughtAssertion{"main/synchronize/TLocks", 151,
                                      "SleepConditionVariableCS(&m_cv, mutex.native_handle(), 0xFFFFFFFF)", 0xA4874C3A,
                                      "LogicException_LogicAssert_0xA4874C3A"}));
@@ -333,9 +331,9 @@ TEST_F(TReadWriteLockTest, WhereTheHookReturnsTheWriterGoesOnWaiting) {
   m_lock.LockRead();
   g_lockOfHook = &m_lock;
   const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) { g_lockOfHook->UnlockRead(); });
-  FailFutexWaitsForTest(EPERM);
+  SynchronizeForTest::FailWaits(EPERM);
   m_lock.Lock();
-  FailFutexWaitsForTest(0);
+  SynchronizeForTest::FailWaits(0);
   m_lock.Unlock();
   OnAnotherThread([&] {
     m_lock.Lock();
@@ -398,9 +396,9 @@ TEST(TConditionVariable, ASleepThatTheSystemRefusesIsFalseInsideOfTheSection) {
   TCriticalSection section;
   TConditionVariable condition;
   section.Enter();
-  FailFutexWaitsForTest(EPERM);
+  SynchronizeForTest::FailWaits(EPERM);
   EXPECT_FALSE(condition.Sleep(section));
-  FailFutexWaitsForTest(0);
+  SynchronizeForTest::FailWaits(0);
   OnAnotherThread([&] { EXPECT_FALSE(section.TryEnter()); });
   section.Leave();
   EXPECT_EQ(condition.SleepersForTest(), 0u);

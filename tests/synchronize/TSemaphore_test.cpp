@@ -12,12 +12,10 @@
 #include "qilsys/QuillonException.h"
 #include "support/CaughtAssertion.h"
 #include "support/Eventually.h"
-#include "synchronize/Futex_platform.h"
 #include "synchronize/SynchronizeForTest.h"
 
 namespace {
 
-using qilsys::synchronize::FailFutexWaitsForTest;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;
@@ -149,19 +147,19 @@ TEST(TSemaphore, AReleaseAtTheMaximumRaisesAndLeavesTheCount) {
 
 TEST(TSemaphore, AnAcquireThatTheSystemRefusesRaises) {
   const SemaphorePtr semaphore = TSemaphore::Construct(0);
-  FailFutexWaitsForTest(EPERM);
+  SynchronizeForTest::FailWaits(EPERM);
   ExpectFailure([&] { semaphore->Acquire(); },
                 {"TSemaphore::Acquire", EPERM, 0x4B4D16D1, "QuillonException_AutoGen_0x4B4D16D1"});
-  FailFutexWaitsForTest(0);
+  SynchronizeForTest::FailWaits(0);
   EXPECT_EQ(SynchronizeForTest::Waiters(*semaphore), 0u);
 }
 
 TEST(TSemaphore, ATimedAcquireThatTheSystemRefusesIsFalse) {
   const SemaphorePtr semaphore = TSemaphore::Construct(0);
-  FailFutexWaitsForTest(EPERM);
+  SynchronizeForTest::FailWaits(EPERM);
   EXPECT_FALSE(semaphore->Acquire(1000000));
   EXPECT_FALSE(semaphore->Acquire(s_noLimit));
-  FailFutexWaitsForTest(0);
+  SynchronizeForTest::FailWaits(0);
 }
 
 // ---- Scopes ----

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "support/Eventually.h"
+#include "synchronize/SynchronizeForTest.h"
 
 namespace {
 
-using qilsys::synchronize::FailFutexWaitsForTest;
 using qilsys::synchronize::FutexResult;
 using qilsys::synchronize::TDeadline;
 using qilsys::synchronize::TFutexGuard;
@@ -88,10 +88,10 @@ TEST_F(TWaitQueueTest, TimeRunsOutAndTheQueueForgetsTheThread) {
 }
 
 TEST_F(TWaitQueueTest, AWaitThatFailsForgetsTheThreadAndKeepsTheReason) {
-  FailFutexWaitsForTest(EPERM);
+  SynchronizeForTest::FailWaits(EPERM);
   const FutexResult result = Wait(TDeadline::Never());
   const int error = errno;
-  FailFutexWaitsForTest(0);
+  SynchronizeForTest::FailWaits(0);
   EXPECT_EQ(result, FutexResult::Failed);
   EXPECT_EQ(error, EPERM);
   EXPECT_EQ(Size(), 0u);

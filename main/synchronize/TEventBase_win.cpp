@@ -1,0 +1,31 @@
+// The sibling is TEventBase_linux.cpp.
+#include "synchronize/TEventBase_platform.h"
+
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
+
+#include "synchronize/TWaitable_win.h"
+
+using qilsys::synchronize::TWaitable;
+
+// Not checked: a null handle makes every other operation fail.
+TPlatformEvent::TPlatformEvent(Kind kind) {
+  const BOOL manualReset = kind == Kind::ManualReset;
+  m_event.Construct<TWaitable>(CreateEventW(nullptr, manualReset, FALSE, nullptr));
+}
+
+TPlatformEvent::TPlatformEvent(NotCreatedTag) { m_event.Construct<TWaitable>(nullptr); }
+
+TPlatformEvent::~TPlatformEvent() { m_event.Destroy<TWaitable>(); }
+
+bool TPlatformEvent::Set() { return SetEvent(m_event.As<TWaitable>().Get()) != FALSE; }
+
+bool TPlatformEvent::Reset() { return ResetEvent(m_event.As<TWaitable>().Get()) != FALSE; }
+
+bool TPlatformEvent::Wait(std::uint32_t milliseconds) {
+  static_assert(s_noLimit == INFINITE);
+  return m_event.As<TWaitable>().Wait(milliseconds) == WAIT_OBJECT_0;
+}
+
+unsigned int TPlatformEvent::WaitersForTest() { return m_event.As<TWaitable>().WaitersForTest(); }
