@@ -4,10 +4,11 @@ set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 
 if(DEFINED ENV{QILSYS_WINDOWS_PREFIX})
-  set(QILSYS_WINDOWS_PREFIX $ENV{QILSYS_WINDOWS_PREFIX})
+  set(QILSYS_WINDOWS_PREFIX $ENV{QILSYS_WINDOWS_PREFIX} CACHE PATH "What scripts/setup-windows laid down")
 else()
-  set(QILSYS_WINDOWS_PREFIX $ENV{HOME}/.cache/qilsys/windows)
+  set(QILSYS_WINDOWS_PREFIX $ENV{HOME}/.cache/qilsys/windows CACHE PATH "What scripts/setup-windows laid down")
 endif()
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QILSYS_WINDOWS_PREFIX)
 
 # Only the posix variant of this compiler has std::thread and its relatives.
 set(triple x86_64-w64-mingw32)
