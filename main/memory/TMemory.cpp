@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "memory/Accounting.h"
 #include "memory/TMemory_platform.h"
 #include "memory/ThreadBlock.h"
 
@@ -29,10 +30,10 @@ void LowerInUse(ThreadMemoryCounters& counters, std::size_t size) {
 }
 
 // Null is counted too, as a block of no bytes.
-void CountAllocation(void* block) {
+void CountAllocation(void* block, SizeOfBlock sizeOf = UsableSize) {
   ThreadMemoryCounters* counters = AsyncTask::t_threadBlock.memoryCounters;
   if (!counters) return;
-  const std::size_t size = UsableSize(block);
+  const std::size_t size = sizeOf(block);
   ++counters->allocatedCount;
   counters->inUse += static_cast<std::int64_t>(size);
   counters->allocated += size;
@@ -48,16 +49,25 @@ void CountReallocation(void* old) {
   ++counters->deallocatedCount;
 }
 
-void CountFree(void* block) {
+void CountFree(void* block, SizeOfBlock sizeOf = UsableSize) {
   ThreadMemoryCounters* counters = AsyncTask::t_threadBlock.memoryCounters;
   if (!block || !counters) return;
-  const std::size_t size = UsableSize(block);
+  const std::size_t size = sizeOf(block);
   counters->deallocated += size;
   LowerInUse(*counters, size);
   ++counters->deallocatedCount;
 }
 
 }  // namespace
+
+void TrackMalloc(void* block, SizeOfBlock sizeOf) {
+  if (Tracks()) CountAllocation(block, sizeOf);
+}
+
+void TrackFree(void* block, SizeOfBlock sizeOf) {
+  if (TracksFrees()) CountFree(block, sizeOf);
+}
+
 }  // namespace quillon::memory
 
 using namespace quillon::memory;
@@ -86,9 +96,7 @@ void TFree(void* block) {
   std::free(block);
 }
 
-void TTrackMalloc(void* block) {
-  if (Tracks()) CountAllocation(block);
-}
+void TTrackMalloc(void* block) { TrackMalloc(block, UsableSize); }
 
 void TTrackPostRealloc(void* block) { TTrackMalloc(block); }
 
@@ -96,6 +104,4 @@ void TTrackPreRealloc(void* block) {
   if (Tracks()) CountReallocation(block);
 }
 
-void TTrackFree(void* block) {
-  if (TracksFrees()) CountFree(block);
-}
+void TTrackFree(void* block) { TrackFree(block, UsableSize); }

@@ -19,6 +19,8 @@ void* AllocateAligned(std::size_t size, std::size_t alignment) noexcept {
   return posix_memalign(&block, std::max(alignment, sizeof(void*)), size) == 0 ? block : nullptr;
 }
 
+std::size_t UsableSizeAligned(void* block) noexcept { return UsableSize(block); }
+
 void FreeAligned(void* block) noexcept { std::free(block); }
 
 }  // namespace quillon::memory

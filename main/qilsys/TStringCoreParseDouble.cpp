@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "qilsys/StringToDouble_platform.h"
+#include "qilsys/StringToDouble.h"
 #include "qilsys/TCType.h"
 #include "qilsys/TStringCore.h"
 
@@ -76,7 +76,7 @@ double TStringCore::toDouble(bool* ok) const {
   const View view(text.constData(), static_cast<std::size_t>(text.length()));
   if (const std::optional<double> special = ParseSpecialDouble(view, ok)) return *special;
   const std::string narrow = text.toLatin1();
-  char* end = nullptr;
+  const char* end = nullptr;
   const double value = qilsys::StringToDouble(narrow.c_str(), &end);
   SetOk(ok, errno == 0 && !narrow.empty() && end == narrow.c_str() + narrow.size());
   return std::fpclassify(value) == FP_SUBNORMAL ? 0.0 : value;

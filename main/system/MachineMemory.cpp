@@ -83,7 +83,7 @@ TSystem::MemoryInfo qilsys::ToMemoryInfo(const MachineMemory& memory, std::uint3
       .m_usedPhysical = used == 0 ? 1 : used,
       .m_totalPhysical = memory.m_total,
       .m_pageSize = pageSize,
-      .m_memoryLoad = PercentOf(used, memory.m_total),
+      .m_memoryLoad = memory.m_load.value_or(PercentOf(used, memory.m_total)),
   };
 }
 

@@ -16,6 +16,8 @@ namespace qilsys {
 struct MachineMemory {
   std::uint64_t m_total = 0;
   std::uint64_t m_available = 0;
+  /// Percent in use where the system tells that too; else it follows from the other two.
+  std::optional<std::uint32_t> m_load = std::nullopt;
 
   bool operator==(const MachineMemory&) const = default;
 };

@@ -1,8 +1,5 @@
 #include "qilsys/TSystem.h"
 
-#include <chrono>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 #include "system/CodePage.h"
@@ -10,15 +7,13 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-Clock::time_point LoadTime() {
-  static const Clock::time_point s_loadTime = Clock::now();
-  return s_loadTime;
+std::uint64_t LoadCount() {
+  static const std::uint64_t s_loadCount = qilsys::PerformanceCount();
+  return s_loadCount;
 }
 
-// Reads the clock while the library is being loaded, unless an earlier initialiser has asked already.
-[[maybe_unused]] const Clock::time_point g_loadTime = LoadTime();
+// Reads the counter while the library is being loaded, unless an earlier initialiser has asked already.
+[[maybe_unused]] const std::uint64_t g_loadCount = LoadCount();
 
 std::function<bool()>& DesktopMainThreadFunc() {
   static std::function<bool()> s_isMainThread;
@@ -31,7 +26,7 @@ unsigned int TSystem::ProcessID() { return qilsys::CurrentProcessId(); }
 
 unsigned long long TSystem::ThreadID() { return qilsys::CurrentThreadId(); }
 
-void TSystem::Sleep(unsigned int milliseconds) { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); }
+void TSystem::Sleep(unsigned int milliseconds) { qilsys::SleepFor(milliseconds); }
 
 bool TSystem::IsDesktopMainThread() {
   const std::function<bool()>& isMainThread = DesktopMainThreadFunc();
@@ -50,12 +45,13 @@ char const* TSystem::Local8BitEncoding() {
 TSystem::MemoryInfo TSystem::Memory() { return qilsys::ToMemoryInfo(qilsys::ReadMachineMemory(), qilsys::PageSize()); }
 
 unsigned int TSystem::AppUpTime() {
-  const auto upTime = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - LoadTime());
-  return static_cast<unsigned int>(upTime.count());
+  static const double s_factor = 1000.0 / static_cast<double>(qilsys::PerformanceFrequency());
+  const std::uint64_t count = qilsys::PerformanceCount() - LoadCount();
+  return static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<double>(count) * s_factor));
 }
 
 TStringCore TSystem::GetLastErrorString() {
-  return TStringCore::fromLocal8Bit(std::system_category().message(qilsys::LastErrorNumber()).c_str());
+  return qilsys::ErrorText(qilsys::LastErrorNumber());
 }
 
 TStringCore TSystem::unmangleClassName(char const* name) { return TStringCore::fromUtf8(name); }

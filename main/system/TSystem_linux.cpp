@@ -10,7 +10,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <memory>
+#include <system_error>
+#include <thread>
 #include <type_traits>
 
 #include "system/CodePage.h"
@@ -22,11 +25,17 @@ struct FreeLocale {
 };
 using Locale = std::unique_ptr<std::remove_pointer_t<locale_t>, FreeLocale>;
 
+using Clock = std::chrono::steady_clock;
+
 }  // namespace
 
 unsigned int qilsys::CurrentProcessId() { return static_cast<unsigned int>(getpid()); }
 
 unsigned long long qilsys::CurrentThreadId() { return static_cast<unsigned long long>(gettid()); }
+
+void qilsys::SleepFor(unsigned int milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
 
 // Asks for the environment's locale and leaves the process's own as it is.
 unsigned int qilsys::ActiveCodePage() {
@@ -36,4 +45,14 @@ unsigned int qilsys::ActiveCodePage() {
 
 std::uint32_t qilsys::PageSize() { return static_cast<std::uint32_t>(sysconf(_SC_PAGESIZE)); }
 
+std::uint64_t qilsys::PerformanceCount() {
+  return static_cast<std::uint64_t>(std::chrono::nanoseconds(Clock::now().time_since_epoch()).count());
+}
+
+std::uint64_t qilsys::PerformanceFrequency() { return std::nano::den; }
+
 int qilsys::LastErrorNumber() { return errno; }
+
+TStringCore qilsys::ErrorText(int number) {
+  return TStringCore::fromLocal8Bit(std::system_category().message(number).c_str());
+}

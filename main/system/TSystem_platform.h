@@ -3,12 +3,16 @@
 
 #include <cstdint>
 
+#include "qilsys/TStringCore.h"
 #include "system/MachineMemory.h"
 
 namespace qilsys {
 
 unsigned int CurrentProcessId();
 unsigned long long CurrentThreadId();
+
+/// Lets the calling thread rest.
+void SleepFor(unsigned int milliseconds);
 
 /// The Windows code page that the process's 8-bit text is in.
 unsigned int ActiveCodePage();
@@ -18,7 +22,13 @@ MachineMemory ReadMachineMemory();
 /// Bytes.
 std::uint32_t PageSize();
 
+/// A counter that only moves forward, and by how much in a second. The latter stays the same.
+std::uint64_t PerformanceCount();
+std::uint64_t PerformanceFrequency();
+
 /// The calling thread's last error number.
 int LastErrorNumber();
+/// The system's own text for an error number, without a line break.
+TStringCore ErrorText(int number);
 
 }  // namespace qilsys

@@ -26,7 +26,7 @@ struct MemoryInfo {
 QILSYS_API unsigned int ProcessID();
 /// The system's own number of the calling thread.
 QILSYS_API unsigned long long ThreadID();
-/// Sleeps for at least this many milliseconds.
+/// The system's own sleep. Windows may end it up to one tick of its clock, 16 milliseconds, early.
 QILSYS_API void Sleep(unsigned int milliseconds);
 
 /// What the host's callback says, false without one.
