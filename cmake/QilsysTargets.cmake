@@ -26,12 +26,21 @@ else()
   set(QILSYS_SYSTEM linux)
 endif()
 
-# Part of C++ since 2014, which clang leaves out by default before version 19.
-add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fsized-deallocation>)
+if(MSVC)
+  # The language as the standard has it; sources are UTF-8; the tables of tests are larger than an object may be by default.
+  add_compile_options(/utf-8 /permissive- /Zc:__cplusplus /Zc:preprocessor /Zc:inline /EHsc /bigobj)
+else()
+  # Part of C++ since 2014, which clang leaves out by default before version 19.
+  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fsized-deallocation>)
+endif()
 
 option(QILSYS_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 option(QILSYS_TESTS_ONE_BY_ONE "Register every test case with CTest, rather than every test program" ON)
 set(QILSYS_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")
+
+if((QILSYS_SANITIZE OR QILSYS_FUZZ) AND MSVC)
+  message(FATAL_ERROR "QILSYS_SANITIZE and QILSYS_FUZZ are for GCC and Clang.")
+endif()
 
 if(QILSYS_SANITIZE)
   add_compile_options(-fsanitize=${QILSYS_SANITIZE} -fno-sanitize-recover=all)
@@ -51,8 +60,14 @@ if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
 endif()
 
 add_library(qilsys_warnings INTERFACE)
-target_compile_options(qilsys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-                                                 $<$<BOOL:${QILSYS_WARNINGS_AS_ERRORS}>:-Werror>)
+if(MSVC)
+  # 4251: an exported class may hold a type of the C++ library, which all that link this one share.
+  # 4324: what is aligned on purpose is padded on purpose.
+  target_compile_options(qilsys_warnings INTERFACE /W4 /wd4251 /wd4324 $<$<BOOL:${QILSYS_WARNINGS_AS_ERRORS}>:/WX>)
+else()
+  target_compile_options(qilsys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                                                   $<$<BOOL:${QILSYS_WARNINGS_AS_ERRORS}>:-Werror>)
+endif()
 
 # Adds a test program NAME_tests from SOURCES; it links the compiled code itself, so that it sees inside.
 function(qilsys_add_tests name)
@@ -64,8 +79,8 @@ function(qilsys_add_tests name)
     # Rows of tables carry their name in the name of the test; their bytes say nothing more.
     gtest_discover_tests(${name}_tests NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS "${name};${arg_LABELS}")
   else()
-    # Under a sanitizer starting the program costs more than most test cases.
-    add_test(NAME ${name}_tests COMMAND ${name}_tests --gtest_brief=1)
+    # Under a sanitizer, and under Wine, starting the program costs more than most test cases.
+    add_test(NAME ${name}_tests COMMAND ${name}_tests --gtest_brief=1 --gtest_output=xml:${name}_tests.xml)
     set_tests_properties(${name}_tests PROPERTIES TIMEOUT 900 LABELS "${name};${arg_LABELS}")
   endif()
 endfunction()
