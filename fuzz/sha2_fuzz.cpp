@@ -1,4 +1,4 @@
-// Any bytes fed in any parts, by every form of the inner loops, give OpenSSL's digest. The first byte chooses the
+// Any bytes fed in any parts, by every form of the inner loops, give the system's own digest. The first byte chooses the
 // digest, the second says how many lengths of parts follow; these are taken in turn until the message is used up.
 #include "qilsys/sha2.h"
 

@@ -3,12 +3,18 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 namespace qilsys::hash {
 
+#if defined(__GNUC__)
 inline uint32_t SwapBytes(uint32_t word) { return __builtin_bswap32(word); }
 inline uint64_t SwapBytes(uint64_t word) { return __builtin_bswap64(word); }
+#else
+inline uint32_t SwapBytes(uint32_t word) { return _byteswap_ulong(word); }
+inline uint64_t SwapBytes(uint64_t word) { return _byteswap_uint64(word); }
+#endif
 
 /// A word in the machine's own order.
 template <class Word>

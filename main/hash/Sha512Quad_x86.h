@@ -4,7 +4,7 @@
 
 #include <immintrin.h>
 
-#include "hash/CpuFeatures_x86.h"
+#include "hash/Compiler.h"
 #include "hash/ShaRounds.h"
 
 namespace qilsys::hash {
@@ -73,7 +73,7 @@ struct Sha512Quad {
     for (size_t base = 0; base < Words::Rounds; base += 16) {
       const size_t k = lane * 20 + base / 4;
       if (k < ShaRounds::BlockWords) Begin(next, nextBlocks, k);
-#pragma GCC unroll 16
+      QILSYS_UNROLL(16)
       for (size_t i = 0; i < 16; ++i) {
         ShaRounds::Round<Words>(v, i, now.sums[base + i][lane]);
         if (i % 4 == 3 && k >= ShaRounds::BlockWords) Extend(next, k + i / 4);

@@ -4,16 +4,9 @@
 #include <bit>
 #include <cstring>
 
+#include "hash/Compiler.h"
 #include "hash/ReadWord.h"
 #include "qilsys/sha2.h"
-
-// A form is a function for which the compiler may use more instructions than elsewhere; what it calls has to be part of
-// it. The shape of the macros is that of the compilers at hand.
-#if defined(__GNUC__)
-#define QILSYS_PART_OF_CALLER __attribute__((always_inline)) inline
-#else
-#define QILSYS_PART_OF_CALLER __forceinline
-#endif
 
 template <class Word>
 constexpr Word sha2::Ch(Word x, Word y, Word z) {
@@ -120,13 +113,13 @@ struct ShaRounds {
     for (; count > 0; --count, blocks += BlockWords * sizeof(Word)) {
       Word w[BlockWords];
       Values<Words> v(state);
-#pragma GCC unroll 16
+      QILSYS_UNROLL(16)
       for (size_t i = 0; i < BlockWords; ++i) {
         w[i] = ReadBig<Word>(blocks + i * sizeof(Word));
         Round<Words>(v, i, w[i] + Words::Constants[i]);
       }
       for (size_t base = BlockWords; base < Words::Rounds; base += BlockWords) {
-#pragma GCC unroll 16
+        QILSYS_UNROLL(16)
         for (size_t i = 0; i < BlockWords; ++i) {
           Extend<Words>(w, i);
           Round<Words>(v, i, w[i] + Words::Constants[base + i]);
@@ -146,7 +139,7 @@ struct ShaRounds {
 
   template <size_t Group>
   static QILSYS_PART_OF_CALLER void Sha1Group(uint32_t* v, uint32_t* w) {
-#pragma GCC unroll 20
+    QILSYS_UNROLL(20)
     for (size_t i = 0; i < 20; ++i) {
       const size_t round = Group * 20 + i;
       const auto at = [&](size_t k) -> uint32_t& { return v[(k + 80 - round) % 5]; };

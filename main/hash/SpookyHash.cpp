@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstring>
 
+#include "hash/Compiler.h"
 #include "hash/ReadWord.h"
 
 namespace qilsys::hash {
@@ -109,7 +110,7 @@ class LongState {
 
   void Mix(const unsigned char* block) {
     constexpr int Turns[StateWords] = {11, 32, 43, 31, 17, 28, 39, 57, 55, 54, 22, 46};
-#pragma GCC unroll 12
+    QILSYS_UNROLL(12)
     for (size_t i = 0; i < StateWords; ++i) {
       At(i) += Word(block + 8 * i);
       At(i + 2) ^= At(i + 10);
@@ -130,7 +131,7 @@ class LongState {
 
   void EndRound() {
     constexpr int Turns[StateWords] = {44, 15, 34, 21, 38, 33, 10, 13, 38, 53, 42, 54};
-#pragma GCC unroll 12
+    QILSYS_UNROLL(12)
     for (size_t i = 0; i < StateWords; ++i) {
       At(i + 11) += At(i + 1);
       At(i + 2) ^= At(i + 11);

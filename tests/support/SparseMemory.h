@@ -1,4 +1,4 @@
-/// Memory of any size that is all zeros and takes no room until it is written.
+/// Memory of any size that is all zeros and takes hardly any room. Its first and its last bytes can be written.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,9 @@ namespace qilsys::test {
 
 class SparseMemory {
  public:
+  /// So many at the start, and as many at the end.
+  static constexpr std::size_t WritableBytes = 64 * 1024;
+
   /// Throws std::bad_alloc where the address space is too small.
   explicit SparseMemory(std::size_t bytes);
   SparseMemory(const SparseMemory&) = delete;

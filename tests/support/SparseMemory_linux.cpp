@@ -1,3 +1,4 @@
+// The sibling for Windows is SparseMemory_win.cpp.
 #include "support/SparseMemory.h"
 
 #include <sys/mman.h>

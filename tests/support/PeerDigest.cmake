@@ -1,0 +1,12 @@
+# qilsys_peer_digest: the digests of the system's own library, for tests, benchmarks and fuzz programs alike.
+if(QILSYS_SYSTEM STREQUAL linux)
+  find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+endif()
+if(NOT TARGET qilsys_peer_digest)
+  add_library(qilsys_peer_digest INTERFACE)
+  target_sources(qilsys_peer_digest INTERFACE ${CMAKE_CURRENT_LIST_DIR}/PeerDigest_${QILSYS_SYSTEM}.cpp)
+  target_include_directories(qilsys_peer_digest INTERFACE ${PROJECT_SOURCE_DIR}/tests)
+  if(QILSYS_SYSTEM STREQUAL linux)
+    target_link_libraries(qilsys_peer_digest INTERFACE OpenSSL::Crypto)
+  endif()
+endif()
