@@ -10,13 +10,15 @@
 #include <string>
 #include <vector>
 
+#include "Program_platform.h"
+
 namespace {
 
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 File Open(const std::string& name) {
   if (name == "-") return {stdin, [](std::FILE*) { return 0; }};
-  return {std::fopen(name.c_str(), "rb"), std::fclose};
+  return {OpenForReading(name), std::fclose};
 }
 
 std::string Digest(const std::string& name) {
@@ -65,7 +67,8 @@ bool Print(const std::string& name) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> names(argv + 1, argv + argc);
+  PassBytesUnchanged();
+  std::vector<std::string> names = Arguments(argc, argv);
   if (names.empty()) names.emplace_back("-");
   bool allRead = true;
   for (const std::string& name : names) allRead = Print(name) && allRead;

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""The program prints what the system's own sha256sum prints, and fails where that fails.
+"""The program prints what a Unix system's own sha256sum prints, and fails where that fails.
 
-usage: sha256sum_test.py PROGRAM
+usage: sha256sum_test.py linux|win [EMULATOR] PROGRAM
 """
 import os
 import random
@@ -10,16 +10,21 @@ import sys
 import tempfile
 from pathlib import Path
 
-PROGRAM = sys.argv[1]
+SYSTEM, COMMAND = sys.argv[1], sys.argv[2:]
+WINDOWS = SYSTEM == 'win'
+# Else an emulator takes the names for those of a plain C locale.
+ENVIRONMENT = {**os.environ, 'LC_ALL': 'C.UTF-8'}
+# What Windows doesn't allow in a name.
+FORBIDDEN = set('\\\n\r')
 bytes_of = random.Random(1).randbytes
 
 
-def run(tool, names, given):
-    return subprocess.run([tool, *names], input=given, capture_output=True, timeout=50)
+def run(command, names, given):
+    return subprocess.run([*command, *names], input=given, capture_output=True, timeout=50, env=ENVIRONMENT)
 
 
 def compare(what, names, given=b''):
-    ours, theirs = run(PROGRAM, names, given), run('sha256sum', names, given)
+    ours, theirs = run(COMMAND, names, given), run(['sha256sum'], names, given)
     assert ours.stdout == theirs.stdout, f'{what}: {ours.stdout} is not {theirs.stdout}'
     assert ours.returncode == theirs.returncode, f'{what}: ends with {ours.returncode}'
     messages = [line.partition(b': ')[2] for line in ours.stderr.splitlines()]
@@ -27,17 +32,29 @@ def compare(what, names, given=b''):
     return messages
 
 
+def names_of_files():
+    for name in 'plain', 'with space', 'back\\slash', 'new\nline', 'carriage\rreturn', 'ünïcode', '\U0001F40Dsnake', 'empty':
+        if WINDOWS and FORBIDDEN & set(name):
+            print(f'left out on Windows: {name!r} is no name there')
+        else:
+            yield name
+
+
 with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
-    names = ['plain', 'with space', 'back\\slash', 'new\nline', 'carriage\rreturn', 'ünïcode', 'empty']
+    names = list(names_of_files())
     for i, name in enumerate(names):
         Path(name).write_bytes(bytes_of(1 << (3 * i)) if name != 'empty' else b'')
+    # Bytes that streams of text would change: the ends of lines, and what ends a file.
+    Path('text').write_bytes(b'one\r\ntwo\n\x1athree\r\n')
     compare('files', names)
-    for name in names:
+    for name in [*names, 'text']:
         compare(f'file {name!r}', [name])
     for size in 0, 1, 63, 64, 65, 65535, 65536, 65537, 1000000:
         compare(f'{size} bytes of standard input', [], bytes_of(size))
-    compare('a dash', ['-'], b'given')
+    compare('a dash', ['-'], b'given\r\n\x1amore')
     compare('a dash between files', ['plain', '-', 'empty'], b'given')
     assert compare('a missing file', ['plain', 'missing', 'empty']) == [b'missing: No such file or directory']
-    assert compare('a folder', ['.', 'plain']) == [b'.: Is a directory']
+    # Windows opens no folder in the first place.
+    folder_message = b'.: Permission denied' if WINDOWS else b'.: Is a directory'
+    assert compare('a folder', ['.', 'plain']) == [folder_message]
