@@ -1,6 +1,10 @@
 // The sibling for Windows is MonitoredProcess_win.cpp.
 #include "monitor/MonitoredProcess_platform.h"
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/syscall.h>

@@ -1,7 +1,9 @@
 #include "monitor/ResourceIpc.h"
 
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/address.hpp>
+#include <boost/asio/ip/udp.hpp>
 #include <boost/system/system_error.hpp>
 #include <cstring>
 #include <utility>
@@ -27,61 +29,72 @@ TValues ValuesOf(const unsigned char* datagram) {
 
 }  // namespace
 
+/// One context and socket to receive with, and another pair to send with.
+struct ResourceIpc::Sockets {
+  explicit Sockets(unsigned short port) : m_destination(boost::asio::ip::make_address(g_broadcastAddress), port) {}
+
+  void OpenSendSocket() {
+    m_sendSocket.open(udp::v4());
+    m_sendSocket.set_option(udp::socket::broadcast(true));
+  }
+
+  void OpenReceiveSocket() {
+    m_receiveSocket.open(udp::v4());
+    m_receiveSocket.set_option(udp::socket::reuse_address(true));
+    boost::system::error_code refused;
+    m_receiveSocket.set_option(udp::socket::receive_buffer_size(g_receiveBufferBytes), refused);
+    m_receiveSocket.bind({boost::asio::ip::make_address(resource_ipc::ReceiveAddress()), m_destination.port()});
+  }
+
+  template <class TValues>
+  void Send(const TValues& values) {
+    m_sendSocket.send_to(boost::asio::buffer(&values, sizeof values), m_destination);
+  }
+
+  boost::asio::io_context m_receiveContext;
+  udp::socket m_receiveSocket{m_receiveContext};
+  boost::asio::io_context m_sendContext;
+  udp::socket m_sendSocket{m_sendContext};
+  udp::endpoint m_senderEndpoint;
+  udp::endpoint m_destination;
+};
+
 ResourceIpc::ResourceIpc(unsigned short port, std::function<void(const ResourceValuesV2&)> onValues,
                          const std::function<void(const TStringCore&)>& logFunc,
                          std::terminate_handler terminateHandler)
-    : m_receiveSocket(m_receiveContext),
-      m_sendSocket(m_sendContext),
-      m_destination(boost::asio::ip::make_address(g_broadcastAddress), port),
+    : m_sockets(std::make_unique<Sockets>(port)),
       m_onValues(std::move(onValues)),
       m_logFunc(logFunc),
       m_terminateHandler(terminateHandler) {
-  OpenSendSocket();
-  OpenReceiveSocket(port);
+  m_sockets->OpenSendSocket();
+  m_sockets->OpenReceiveSocket();
   m_thread = std::thread([this] { Listen(); });
 }
 
 ResourceIpc::~ResourceIpc() { Stop(); }
 
 void ResourceIpc::Stop() {
-  m_receiveContext.stop();
+  m_sockets->m_receiveContext.stop();
   JoinIfJoinable(m_thread);
 }
 
-void ResourceIpc::OpenSendSocket() {
-  m_sendSocket.open(udp::v4());
-  m_sendSocket.set_option(udp::socket::broadcast(true));
-}
+void ResourceIpc::Send(const ResourceValuesV1& values) { m_sockets->Send(values); }
 
-void ResourceIpc::OpenReceiveSocket(unsigned short port) {
-  m_receiveSocket.open(udp::v4());
-  m_receiveSocket.set_option(udp::socket::reuse_address(true));
-  boost::system::error_code refused;
-  m_receiveSocket.set_option(udp::socket::receive_buffer_size(g_receiveBufferBytes), refused);
-  m_receiveSocket.bind(udp::endpoint(resource_ipc::ReceiveAddress(), port));
-}
-
-void ResourceIpc::Send(const ResourceValuesV1& values) {
-  m_sendSocket.send_to(boost::asio::buffer(&values, sizeof values), m_destination);
-}
-
-void ResourceIpc::Send(const ResourceValuesV2& values) {
-  m_sendSocket.send_to(boost::asio::buffer(&values, sizeof values), m_destination);
-}
+void ResourceIpc::Send(const ResourceValuesV2& values) { m_sockets->Send(values); }
 
 void ResourceIpc::Listen() {
   if (m_terminateHandler != nullptr) std::set_terminate(m_terminateHandler);
   PostReceive();
-  m_receiveContext.run();
+  m_sockets->m_receiveContext.run();
   boost::system::error_code ignored;
-  m_receiveSocket.shutdown(udp::socket::shutdown_both, ignored);
-  m_receiveSocket.close(ignored);
+  m_sockets->m_receiveSocket.shutdown(udp::socket::shutdown_both, ignored);
+  m_sockets->m_receiveSocket.close(ignored);
   m_logFunc(u"Resource Manager: listening thread has stopped");
 }
 
 void ResourceIpc::PostReceive() {
-  m_receiveSocket.async_receive_from(
-      boost::asio::buffer(m_receiveBuffer), m_senderEndpoint,
+  m_sockets->m_receiveSocket.async_receive_from(
+      boost::asio::buffer(m_receiveBuffer), m_sockets->m_senderEndpoint,
       [this](const boost::system::error_code& error, std::size_t length) { OnReceive(error, length); });
 }
 
@@ -96,7 +109,7 @@ void ResourceIpc::OnReceive(const boost::system::error_code& error, std::size_t 
 }
 
 void ResourceIpc::Judge(std::size_t length) {
-  const boost::asio::ip::address sender = m_senderEndpoint.address();
+  const boost::asio::ip::address sender = m_sockets->m_senderEndpoint.address();
   if (!sender.is_v4() || sender.to_v4() != boost::asio::ip::address_v4::loopback()) return;
   if (length == sizeof(ResourceValuesV2)) {
     m_onValues(ValuesOf<ResourceValuesV2>(m_receiveBuffer.data()));

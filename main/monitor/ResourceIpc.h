@@ -1,15 +1,18 @@
 #pragma once
 
 #include <array>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/udp.hpp>
 #include <cstddef>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <thread>
 
 #include "monitor/ResourceValues.h"
 #include "qilsys/TStringCore.h"
+
+namespace boost::system {
+class error_code;
+}
 
 /// The sockets of one member: it broadcasts on the loopback, and hears every member on its port, itself included.
 ///
@@ -35,21 +38,16 @@ class ResourceIpc {
   void Send(const ResourceValuesV2& values);
 
  private:
-  void OpenSendSocket();
-  void OpenReceiveSocket(unsigned short port);
+  struct Sockets;
+
   void Listen();
   void PostReceive();
   void OnReceive(const boost::system::error_code& error, std::size_t length);
   void Judge(std::size_t length);
 
-  boost::asio::io_context m_receiveContext;
-  boost::asio::ip::udp::socket m_receiveSocket;
-  boost::asio::io_context m_sendContext;
-  boost::asio::ip::udp::socket m_sendSocket;
+  std::unique_ptr<Sockets> m_sockets;
   std::thread m_thread;
   std::array<unsigned char, 1024> m_receiveBuffer{};
-  boost::asio::ip::udp::endpoint m_senderEndpoint;
-  boost::asio::ip::udp::endpoint m_destination;
   std::function<void(const ResourceValuesV2&)> m_onValues;
   std::function<void(const TStringCore&)> m_logFunc;
   std::terminate_handler m_terminateHandler;
