@@ -1,19 +1,14 @@
 /// A member in a process of its own, seen through its output. It is killed and reaped by the destructor.
 #pragma once
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <string>
 #include <vector>
+
+#include "monitor/SpawnedProcess.h"
 
 namespace qilsys::test {
 
@@ -26,25 +21,26 @@ struct MemberArguments {
   bool m_version1 = false;
 };
 
+/// The words that start `program` as a member.
+inline std::vector<std::string> MemberWords(const std::string& program, const MemberArguments& arguments) {
+  return {program,
+          std::to_string(arguments.m_port),
+          std::to_string(arguments.m_memoryLimit),
+          std::to_string(arguments.m_allProcessesLimit),
+          std::to_string(arguments.m_cpuLimit),
+          arguments.m_version1 ? "1" : "2"};
+}
+
 class MemberProcess {
  public:
-  explicit MemberProcess(const MemberArguments& arguments) { Spawn(arguments); }
-  MemberProcess(const MemberProcess&) = delete;
-  MemberProcess& operator=(const MemberProcess&) = delete;
-  ~MemberProcess() {
-    if (m_pid > 0) kill(m_pid, SIGKILL);
-    Exit();
-    close(m_input);
-    close(m_output);
-  }
+  explicit MemberProcess(const MemberArguments& arguments) : m_process(MemberWords(QILSYS_MEMBER_PROGRAM, arguments)) {}
 
-  unsigned int Pid() const { return static_cast<unsigned int>(m_pid); }
-  void Signal(int signal) const { kill(m_pid, signal); }
+  unsigned int Pid() const { return m_process.Pid(); }
+  void Kill() const { m_process.Kill(); }
+  void Suspend() const { m_process.Suspend(); }
+  void Resume() const { m_process.Resume(); }
 
-  void Command(const std::string& command) {
-    const std::string line = command + "\n";
-    EXPECT_EQ(write(m_input, line.data(), line.size()), static_cast<ssize_t>(line.size()));
-  }
+  void Command(const std::string& command) { EXPECT_TRUE(m_process.Write(command + "\n")) << command; }
 
   /// All lines so far.
   const std::vector<std::string>& Lines() {
@@ -82,69 +78,35 @@ class MemberProcess {
   /// How many of the lines so far are `line`.
   long Count(const std::string& line) { return std::count(Lines().begin(), Lines().end(), line); }
 
-  /// Waits for the end of the process: its exit code, or minus its signal. All its lines have been read then.
+  /// Waits for the end of the process: its exit code. All its lines have been read then.
   int Exit() {
-    if (m_pid <= 0) return m_exit;
     while (!m_ended) ReadFor(std::chrono::milliseconds(100));
-    int status = 0;
-    while (waitpid(m_pid, &status, 0) == -1 && errno == EINTR) continue;
-    m_pid = -1;
-    m_exit = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    return m_exit;
+    return m_process.Wait();
   }
 
  private:
-  void Spawn(const MemberArguments& arguments) {
-    int input[2];
-    int output[2];
-    ASSERT_EQ(pipe2(input, O_CLOEXEC), 0);
-    ASSERT_EQ(pipe2(output, O_CLOEXEC), 0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    std::vector<std::string> words{QILSYS_MEMBER_PROGRAM,
-                                   std::to_string(arguments.m_port),
-                                   std::to_string(arguments.m_memoryLimit),
-                                   std::to_string(arguments.m_allProcessesLimit),
-                                   std::to_string(arguments.m_cpuLimit),
-                                   arguments.m_version1 ? "1" : "2"};
-    std::vector<char*> argv;
-    for (std::string& word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
-    EXPECT_EQ(posix_spawn(&m_pid, argv[0], &actions, nullptr, argv.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    close(input[0]);
-    close(output[1]);
-    m_input = input[1];
-    m_output = output[0];
-  }
-
   // Takes what has been written, waiting for at most this long for the first of it.
   void ReadFor(std::chrono::milliseconds time) {
-    pollfd request{m_output, POLLIN, 0};
-    int wait = static_cast<int>(time.count());
-    while (!m_ended && poll(&request, 1, wait) > 0) {
-      char buffer[4096];
-      const ssize_t got = read(m_output, buffer, sizeof buffer);
-      if (got <= 0) m_ended = true;
-      if (got > 0) Take(std::string(buffer, static_cast<std::size_t>(got)));
-      wait = 0;
+    while (!m_ended) {
+      const std::optional<std::string> text = m_process.Read(time);
+      m_ended = !text;
+      if (!text || text->empty()) return;
+      Take(*text);
+      time = std::chrono::milliseconds(0);
     }
   }
 
+  // A line may end as either system ends lines.
   void Take(const std::string& text) {
     m_partial += text;
     for (std::size_t end = m_partial.find('\n'); end != std::string::npos; end = m_partial.find('\n')) {
       m_lines.push_back(m_partial.substr(0, end));
+      if (m_lines.back().ends_with('\r')) m_lines.back().pop_back();
       m_partial.erase(0, end + 1);
     }
   }
 
-  pid_t m_pid = -1;
-  int m_exit = 0;
-  int m_input = -1;
-  int m_output = -1;
+  SpawnedProcess m_process;
   bool m_ended = false;
   std::string m_partial;
   std::vector<std::string> m_lines;

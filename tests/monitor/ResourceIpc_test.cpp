@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <boost/system/system_error.hpp>
-#include <cstring>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
@@ -55,12 +54,6 @@ class Listener {
   std::vector<std::string> m_lines;
   std::optional<ResourceIpc> m_ipc;
 };
-
-Bytes BytesOf(const ResourceValuesV2& values) {
-  Bytes bytes(sizeof values);
-  std::memcpy(bytes.data(), &values, sizeof values);
-  return bytes;
-}
 
 ResourceValuesV2 Sample(std::uint8_t id) {
   ResourceValuesV2 values;
@@ -210,27 +203,35 @@ TEST(ResourceIpcTest, AFloodIsHeardWhole) {
 }
 
 TEST(ResourceIpcTest, APortTakenByAStrangerIsABindFailure) {
-  const Stranger stranger;
+  const unsigned short port = FreePort();
+  const Stranger stranger(port);
   try {
-    const Listener listener(stranger.Port());
+    const Listener listener(port);
     ADD_FAILURE() << "the port was free";
   } catch (const boost::system::system_error& error) {
-    EXPECT_EQ(error.code(), boost::asio::error::address_in_use);
+    EXPECT_TRUE(IsPortTaken(error.code())) << error.code();
     EXPECT_EQ(std::string(error.what()).substr(0, 4), "bind");
   }
 }
 
+/// The handler that a listening thread has when it takes its first datagram.
+std::terminate_handler HandlerWhileListening(std::terminate_handler given) {
+  std::atomic<std::terminate_handler> seen = nullptr;
+  ResourceIpc ipc(
+      FreePort(), [&](const ResourceValuesV2&) { seen = std::get_terminate(); }, [](const TStringCore&) {}, given);
+  ipc.Send(Sample(1));
+  EXPECT_TRUE(Eventually([&] { return seen.load() != nullptr; }));
+  return seen;
+}
+
+// Asked on the thread itself, since some systems keep a handler for each thread.
 TEST(ResourceIpcTest, TheHandlerIsInstalledOnTheListeningThread) {
   const std::terminate_handler before = std::get_terminate();
   const std::terminate_handler mine = [] { std::abort(); };
-  {
-    Listener listener(FreePort(), mine);
-    EXPECT_TRUE(Eventually([&] { return std::get_terminate() == mine; }));
-  }
+  EXPECT_EQ(HandlerWhileListening(mine), mine);
   std::set_terminate(before);
-  Listener listener(FreePort());
-  listener.Destroy();
-  EXPECT_EQ(std::get_terminate(), before) << "null leaves the handler in place";
+  EXPECT_NE(HandlerWhileListening(nullptr), mine) << "null leaves the handler in place";
+  EXPECT_EQ(std::get_terminate(), before);
 }
 
 TEST(ResourceIpcDeathTest, AThrowOutOfTheReceiptEndsInTheHandler) {
@@ -240,7 +241,7 @@ TEST(ResourceIpcDeathTest, AThrowOutOfTheReceiptEndsInTheHandler) {
         const unsigned short port = FreePort();
         ResourceIpc ipc(
             port, [](const ResourceValuesV2&) { throw std::runtime_error("no"); }, [](const TStringCore&) {},
-            [] { _exit(17); });
+            [] { std::_Exit(17); });
         ipc.Send(Sample(1));
         Eventually([] { return false; });
       },

@@ -149,11 +149,12 @@ TEST(StartMonitoringTest, AHookThatReturnsLeavesTheFirstStartInPlace) {
 }
 
 TEST(StartMonitoringTest, ATakenPortPassesTheFailureOn) {
-  const Stranger stranger;
+  const unsigned short port = FreePort();
+  const Stranger stranger(port);
   SharedSettings settings;
   settings.Cpu(50);
   RealMember member(settings);
-  EXPECT_THROW(member.StartMonitoring(stranger.Port()), boost::system::system_error);
+  EXPECT_THROW(member.StartMonitoring(port), boost::system::system_error);
   EXPECT_EQ(member.m_ipc, nullptr);
   EXPECT_EQ(member.m_worker, nullptr);
 }

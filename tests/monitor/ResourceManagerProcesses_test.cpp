@@ -19,9 +19,6 @@ const char* s_deaf = "Resource Manager: listening thread has stopped";
 
 class ProcessesTest : public testing::Test {
  protected:
-  // A broken pipe is a line of the test's own, not its end.
-  ProcessesTest() { signal(SIGPIPE, SIG_IGN); }
-
   MemberProcess& Start(MemberArguments arguments = {}) {
     arguments.m_port = m_port;
     return m_members.emplace_back(arguments);
@@ -100,14 +97,14 @@ TEST_F(ProcessesTest, EightMembersHearEachOtherAndMissWhoFallsSilent) {
   ExpectInfoCount(8);
 
   MemberProcess& killed = m_members[2];
-  killed.Signal(SIGKILL);
-  EXPECT_EQ(killed.Exit(), -SIGKILL);
+  killed.Kill();
+  EXPECT_EQ(killed.Exit(), s_killed);
   ExpectInfoCount(7, {&killed});
 
   MemberProcess& stopped = m_members[5];
-  stopped.Signal(SIGSTOP);
+  stopped.Suspend();
   ExpectInfoCount(6, {&killed, &stopped});
-  stopped.Signal(SIGCONT);
+  stopped.Resume();
   ExpectInfoCount(7, {&killed});
 
   for (MemberProcess& member : m_members) {
@@ -196,8 +193,8 @@ TEST_F(ProcessesTest, AChildCountsWhileItIsRegisteredAndLives) {
   ASSERT_TRUE(child.AwaitLine("DONE grow"));
   EXPECT_TRUE(AwaitUsage(parent, 256 * s_mebibyte, ~0ULL));
 
-  child.Signal(SIGKILL);
-  EXPECT_EQ(child.Exit(), -SIGKILL);
+  child.Kill();
+  EXPECT_EQ(child.Exit(), s_killed);
   EXPECT_TRUE(AwaitUsage(parent, 1, 255 * s_mebibyte));
   parent.Command("unchild " + pid);
   ASSERT_TRUE(parent.AwaitLine("DONE unchild"));

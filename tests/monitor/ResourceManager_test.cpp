@@ -227,8 +227,9 @@ TEST_F(ResourceManagerTest, StopMayBeFollowedByAStart) {
 }
 
 TEST_F(ResourceManagerTest, AFailedStartStaysUntilStop) {
-  const Stranger stranger;
-  EXPECT_THROW(Start(stranger.Port()), boost::system::system_error);
+  const unsigned short port = FreePort();
+  const Stranger stranger(port);
+  EXPECT_THROW(Start(port), boost::system::system_error);
   EXPECT_NE(ResourceManager::GetMemoryPressure(), -1.0);
   const std::size_t count = Lines().size();
   Start();
@@ -269,7 +270,7 @@ TEST(ResourceManagerDeathTest, AThrowOutOfAReclaimFunctionEndsInTheHandler) {
         ResourceManager::GeneralConfig general;
         general.m_logFunc = [](const TStringCore&) {};
         general.m_terminateFunc = [](unsigned char, const TStringCore&) {};
-        general.m_terminateHandler = [] { _exit(19); };
+        general.m_terminateHandler = [] { std::_Exit(19); };
         general.m_startDelaySeconds = 1;
         ResourceManager::Start(FreePort(), {}, memory, general);
         ResourceManager::AddReclaimMemoryFunction(u"cache", [](double) { throw std::runtime_error("no"); });

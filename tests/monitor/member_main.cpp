@@ -3,10 +3,6 @@
 //
 //   arguments: port memory-limit all-processes-limit cpu-limit version (port 0: no monitoring)
 //   commands:  grow BYTES | shrink | burn | cache BYTES | child PID | unchild PID | usage | quit
-#include <signal.h>
-#include <sys/prctl.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -18,6 +14,7 @@
 #include <thread>
 #include <vector>
 
+#include "monitor/DieWithParent.h"
 #include "qilsys/QuillonException.h"
 #include "qilsys/ResourceManager.h"
 
@@ -51,7 +48,7 @@ class Host {
     general.m_logFunc = [](const TStringCore& line) { Say(line.toStdString()); };
     general.m_terminateFunc = [](unsigned char code, const TStringCore& reason) {
       Say("TERMINATE " + reason.toStdString());
-      _exit(code);
+      std::_Exit(code);
     };
     try {
       ResourceManager::Start(port, cpu, memory, general);
@@ -110,7 +107,7 @@ class Host {
 }  // namespace
 
 int main(int argc, char** argv) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  qilsys::test::DieWithParent();
   Host host;
   Say("READY");
   if (!host.Start(std::vector<std::string>(argv + 1, argv + argc))) return 3;

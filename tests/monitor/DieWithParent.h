@@ -1,0 +1,8 @@
+#pragma once
+
+namespace qilsys::test {
+
+/// Has the system kill this process when the one that started it ends.
+void DieWithParent();
+
+}  // namespace qilsys::test
