@@ -1,13 +1,14 @@
 # The verbs of this tree; each is a thin call of CMake, CTest or a script. `make help` lists them.
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
+RUN_WINE := $(or $(QILSYS_WINDOWS_PREFIX),$(HOME)/.cache/qilsys/windows)/bin/run-wine
 
 .DEFAULT_GOAL := help
 .DELETE_ON_ERROR:
-.PHONY: help setup build demo test asan tsan check coverage bench install clean format
+.PHONY: help setup build demo test windows demo-windows asan tsan check coverage bench install clean format
 
 help: ## Show this list
-	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "make %-10s %s\n", $$1, $$2 }' Makefile
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-13s %s\n", $$1, $$2 }' Makefile
 
 setup: ## Install what building, testing and the demo need, where it is missing
 	@scripts/setup base
@@ -22,6 +23,19 @@ demo: setup build/release/build.ninja ## Build and run the demo
 
 test: build ## Build and run all tests
 	@ctest --preset release -j $(JOBS)
+
+windows: ## Build everything for 64-bit Windows and run all tests there, under Wine
+	@scripts/setup-windows
+	@$(MAKE) --no-print-directory build/windows/build.ninja
+	@cmake --build --preset windows -j $(JOBS)
+	@ctest --preset windows -j $(JOBS); status=$$?; scripts/windows-cases && exit $$status
+
+demo-windows: ## Build the demo for 64-bit Windows and run it under Wine
+	@scripts/setup-windows
+	@scripts/setup demo
+	@$(MAKE) --no-print-directory build/windows/build.ninja
+	@cmake --build --preset windows -j $(JOBS) --target qilsys_demo
+	@$(RUN_WINE) build/windows/bin/qilsys_demo.exe
 
 asan: setup ## Run all tests under AddressSanitizer and UndefinedBehaviorSanitizer, built by clang
 	@scripts/setup clang
