@@ -29,11 +29,14 @@ class ChildProcess {
   /// Ends the child's input, by which it is asked to go.
   void Dismiss();
 
-  /// The exit code of a child that has ended, minus the signal that ended it, or nothing while it runs.
+  /// The exit code of a child that has ended, or nothing while it runs. Where a signal ended it: minus that signal.
   std::optional<int> ExitCode();
 
  private:
   struct System;
+
+  std::string ReadWhatCame();
+
   std::unique_ptr<System> m_system;
   std::string m_unfinished;
 };

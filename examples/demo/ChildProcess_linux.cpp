@@ -101,17 +101,13 @@ void ChildProcess::Tell(const std::string& line) {
   [[maybe_unused]] const ssize_t written = ::write(m_system->m_input.m_write.Get(), text.data(), text.size());
 }
 
-std::vector<std::string> ChildProcess::Hear() {
+std::string ChildProcess::ReadWhatCame() {
+  std::string text;
   std::array<char, 4096> buffer{};
   for (ssize_t n = 0; (n = ::read(m_system->m_output.m_read.Get(), buffer.data(), buffer.size())) > 0;) {
-    m_unfinished.append(buffer.data(), static_cast<size_t>(n));
+    text.append(buffer.data(), static_cast<size_t>(n));
   }
-  std::vector<std::string> lines;
-  for (size_t end = 0; (end = m_unfinished.find('\n')) != std::string::npos;) {
-    lines.push_back(m_unfinished.substr(0, end));
-    m_unfinished.erase(0, end + 1);
-  }
-  return lines;
+  return text;
 }
 
 void ChildProcess::Dismiss() { m_system->m_input.m_write.Reset(-1); }

@@ -16,9 +16,14 @@ namespace fs = std::filesystem;
 
 double InMiB(unsigned long long bytes) { return static_cast<double>(bytes) / MiB; }
 
+std::string Shown(const fs::path& file) {
+  const std::u8string text = file.u8string();
+  return std::string(text.begin(), text.end());
+}
+
 std::ofstream OpenForWriting(const fs::path& file) {
   std::ofstream out(file);
-  if (!out) throw std::runtime_error("Can't write " + file.string());
+  if (!out) throw std::runtime_error("Can't write " + Shown(file));
   return out;
 }
 
@@ -104,9 +109,13 @@ void WritePlot(const Chronicle& chronicle, const fs::path& file) {
   PlotGroup(out, "CPU %", Limits::GroupCpuPercent, FirstGroupColumn + 1);
 }
 
+// By way of the working folder, whose name then needs no quoting in any shell.
 bool DrawPicture(const fs::path& folder) {
-  const std::string command = "cd '" + folder.string() + "' && gnuplot memory.gp";
-  return std::system(command.c_str()) == 0 && fs::exists(folder / "memory.svg");
+  const fs::path before = fs::current_path();
+  fs::current_path(folder);
+  const bool drawn = std::system("gnuplot memory.gp") == 0 && fs::exists("memory.svg");
+  fs::current_path(before);
+  return drawn;
 }
 
 }  // namespace
@@ -127,10 +136,9 @@ void WriteFiles(const Chronicle& chronicle, const fs::path& folder) {
   WriteValues(chronicle, folder / "memory.csv");
   WriteEvents(chronicle, folder / "events.csv");
   WritePlot(chronicle, folder / "memory.gp");
-  std::cout << "\nValues:  " << (folder / "memory.csv").string() << "\nEvents:  " << (folder / "events.csv").string()
-            << "\n";
+  std::cout << "\nValues:  " << Shown(folder / "memory.csv") << "\nEvents:  " << Shown(folder / "events.csv") << "\n";
   if (DrawPicture(folder)) {
-    std::cout << "Picture: " << (folder / "memory.svg").string() << "\n";
+    std::cout << "Picture: " << Shown(folder / "memory.svg") << "\n";
   } else {
     std::cout << "Picture: not drawn, since gnuplot did not run (Debian's package is gnuplot-nox)\n";
   }
