@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -76,7 +77,7 @@ class MemberProcess {
   bool AwaitInfoCount(int count) { return AwaitInfoCount(count, Lines().size()); }
 
   /// How many of the lines so far are `line`.
-  long Count(const std::string& line) { return std::count(Lines().begin(), Lines().end(), line); }
+  std::ptrdiff_t Count(const std::string& line) { return std::count(Lines().begin(), Lines().end(), line); }
 
   /// Waits for the end of the process: its exit code. All its lines have been read then.
   int Exit() {
