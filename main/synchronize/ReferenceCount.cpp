@@ -2,8 +2,6 @@
 
 #include "qilsys/LogicException.h"
 
-template class RefCntObjectNonVirtualBase<RefCntObject>;
-
 RefCntObject::~RefCntObject() = default;
 
 void qilsys::RaiseNullDereference() {

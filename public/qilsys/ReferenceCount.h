@@ -16,7 +16,7 @@
 /// object. A new object has count 0: it is owned by nobody until the first RefCntPtr is made from it. Any thread may
 /// add and remove references at any time.
 template <class T>
-class QILSYS_API RefCntObjectNonVirtualBase {
+class RefCntObjectNonVirtualBase {
  public:
   RefCntObjectNonVirtualBase() noexcept = default;
   /// A copy is a new object without owners.
@@ -87,8 +87,6 @@ class QILSYS_API RefCntObject : public RefCntObjectNonVirtualBase<RefCntObject> 
  private:
   friend class RefCntObjectNonVirtualBase<RefCntObject>;
 };
-
-extern template class RefCntObjectNonVirtualBase<RefCntObject>;
 
 namespace qilsys {
 
