@@ -45,6 +45,7 @@ tsan: setup test-tsan ## Run all tests under ThreadSanitizer
 
 check: setup ## Check form, headers, exported symbols, build lists, layering and warnings
 	@scripts/setup clang check
+	@scripts/setup-windows
 	@scripts/check
 
 coverage: setup ## Print the line coverage of main/
