@@ -20,16 +20,31 @@ run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/first)
 # An installed tree may be moved: nothing in it names the place.
 file(RENAME ${WORK_DIR}/first ${WORK_DIR}/prefix)
 
-run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/by-cmake -G Ninja -D CMAKE_CXX_COMPILER=${CXX}
+if(TOOLCHAIN)
+  # What is looked for on another system is looked for below these roots only.
+  set(toolchain -D CMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -D CMAKE_FIND_ROOT_PATH=${WORK_DIR}/prefix
+                -D QILSYS_WINDOWS_PREFIX=${TOOLCHAIN_PREFIX})
+endif()
+if(SYSTEM STREQUAL win)
+  # Where the system, or Wine for it, looks for the library; by the package it is built with nothing else.
+  set(ENV{PATH} "${WORK_DIR}/prefix/bin:$ENV{PATH}")
+  set(ENV{WINEPATH} "Z:${WORK_DIR}/prefix/bin")
+endif()
+
+run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/by-cmake -G Ninja -D CMAKE_CXX_COMPILER=${CXX} ${toolchain}
     -D CMAKE_PREFIX_PATH=${WORK_DIR}/prefix)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/by-cmake)
-run(${WORK_DIR}/by-cmake/consumer)
+run(${EMULATOR} ${WORK_DIR}/by-cmake/consumer${SUFFIX})
 expect_consumer_output()
 
 set(ENV{PKG_CONFIG_PATH} ${WORK_DIR}/prefix/${LIBDIR}/pkgconfig)
 run(pkg-config --cflags --libs qilsys)
 separate_arguments(flags UNIX_COMMAND "${output}")
-run(${CXX} -std=c++20 ${CONSUMER_DIR}/main.cpp -o ${WORK_DIR}/by-pkg-config ${flags})
+if(TOOLCHAIN)
+  # The header of the status codes, which stands where every compiler looks if it is this system's.
+  list(APPEND flags -I${GRPC_INCLUDE_DIR})
+endif()
+run(${CXX} -std=c++20 ${CONSUMER_DIR}/main.cpp -o ${WORK_DIR}/by-pkg-config${SUFFIX} ${flags})
 set(ENV{LD_LIBRARY_PATH} ${WORK_DIR}/prefix/${LIBDIR})
-run(${WORK_DIR}/by-pkg-config)
+run(${EMULATOR} ${WORK_DIR}/by-pkg-config${SUFFIX})
 expect_consumer_output()
