@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <latch>
 #include <mutex>
 #include <shared_mutex>
 #include <thread>
 #include <vector>
 
+#include "qilsys/TEvent.h"
 #include "qilsys/TLocks.h"
 #include "qilsys/TSemaphore.h"
 
@@ -109,12 +109,13 @@ void BM_Fairness(benchmark::State& state) {
     Lock lock;
     std::atomic<bool> stop{false};
     std::vector<long> turns(s_threads);
-    std::latch start(s_threads + 1);
+    const TCountdownEvent start(s_threads + 1);
     {
       std::vector<std::jthread> threads;
       for (long& mine : turns) {
         threads.emplace_back([&] {
-          start.arrive_and_wait();
+          start.Signal();
+          start.Wait();
           long count = 0;
           while (!stop.load(std::memory_order_relaxed)) {
             const TScopedLock<Lock> guard(lock);
@@ -123,7 +124,8 @@ void BM_Fairness(benchmark::State& state) {
           mine = count;
         });
       }
-      start.arrive_and_wait();
+      start.Signal();
+      start.Wait();
       std::this_thread::sleep_for(std::chrono::milliseconds(100));
       stop = true;
     }

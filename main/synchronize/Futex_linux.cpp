@@ -62,6 +62,6 @@ void FutexWakeOne(const TFutexWord* address) noexcept {
 
 }  // namespace qilsys::synchronize
 
-const bool SynchronizeForTest::s_countsThoseWhoArrived = true;
+const bool SynchronizeForTest::s_ownsQueues = true;
 
 void SynchronizeForTest::FailWaits(int error) { qilsys::synchronize::t_errorForTest = error; }

@@ -11,16 +11,17 @@ class TRecursiveMutex;
 class TSemaphore;
 
 struct SynchronizeForTest {
-  /// False where the system keeps the queue of waiting threads to itself and they can only be counted on their way in.
-  static const bool s_countsThoseWhoArrived;
+  /// True where the queues of waiting threads are the library's own: a thread that is counted has arrived, and threads
+  /// are released in the order of their arrival. False where they are the system's, which shows them to nobody and
+  /// promises no order: a thread that is counted may be just before its wait.
+  static const bool s_ownsQueues;
 
-  /// Threads that wait for the event. Where `s_countsThoseWhoArrived` holds, a signal that follows reaches each of them;
-  /// else one may be just before its wait.
+  /// Threads that wait for the event.
   static unsigned int Waiters(const TEvent& event);
   static unsigned int Waiters(const TAutoResetEvent& event);
   static unsigned int Waiters(const TCountdownEvent& event);
   static unsigned int Waiters(const TCancelEvent& event);
-  /// Threads that wait for a unit; as above.
+  /// Threads that wait for a unit.
   static unsigned int Waiters(TSemaphore& semaphore);
   /// Writers that sleep until the readers have gone.
   static unsigned int WaitingWriters(TReadWriteLock& lock);

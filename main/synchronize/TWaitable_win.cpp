@@ -33,6 +33,6 @@ DWORD TWaitable::Wait(DWORD milliseconds) noexcept {
 
 }  // namespace qilsys::synchronize
 
-const bool SynchronizeForTest::s_countsThoseWhoArrived = false;
+const bool SynchronizeForTest::s_ownsQueues = false;
 
 void SynchronizeForTest::FailWaits(int error) { qilsys::synchronize::t_errorForTest = static_cast<DWORD>(error); }

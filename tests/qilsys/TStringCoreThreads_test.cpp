@@ -1,17 +1,18 @@
 // Strings that share a block, each used by a thread of its own.
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "qilsys/TStringCore.h"
+#include "support/Latch.h"
 #include "support/Random.h"
 #include "support/StringHeaps.h"
 #include "support/StringText.h"
 #include "support/TStringCoreForTest.h"
 
+using qilsys::test::Latch;
 using qilsys::test::Rounds;
 using qilsys::test::UnitsOf;
 
@@ -22,11 +23,11 @@ constexpr int Threads = 4;
 /// Runs `body(thread)` on each thread, all at once.
 template <class Body>
 void OnThreads(Body body) {
-  std::latch start(Threads);
+  Latch start(Threads);
   std::vector<std::jthread> threads;
   for (int i = 0; i < Threads; ++i) {
     threads.emplace_back([&start, body, i] {
-      start.arrive_and_wait();
+      start.ArriveAndWait();
       body(i);
     });
   }

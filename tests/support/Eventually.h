@@ -11,8 +11,8 @@ constexpr std::chrono::seconds s_patience(60);
 
 /// Looks until `condition` holds and gives the processor away in between. False when patience has run out.
 template <class Condition>
-bool Eventually(Condition condition) {
-  const auto end = std::chrono::steady_clock::now() + s_patience;
+bool Eventually(Condition condition, std::chrono::milliseconds patience = s_patience) {
+  const auto end = std::chrono::steady_clock::now() + patience;
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) {
       return false;

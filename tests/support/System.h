@@ -3,11 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 namespace qilsys::test {
 
 /// True under Wine, which stands in for Windows and has gaps of its own. The environment variable QILSYS_REAL_WINDOWS
 /// makes it false anywhere.
 bool HasGapsOfWine();
+
+/// By how much the system may end a wait too soon: it may count in ticks, and the first one comes when it will.
+std::chrono::milliseconds TickOfWaits();
+
+/// For EXPECT_EXIT: whether that is how a process ends by std::abort.
+bool EndedByAbort(int exitStatus);
 
 }  // namespace qilsys::test
 

@@ -12,4 +12,12 @@ bool HasGapsOfWine() {
   return s_isWine && std::getenv("QILSYS_REAL_WINDOWS") == nullptr;
 }
 
+// 64 ticks a second, unless a program has asked for more.
+std::chrono::milliseconds TickOfWaits() { return std::chrono::milliseconds(16); }
+
+// The exit code of the old runtime, and the fast failure of the newer one.
+bool EndedByAbort(int exitStatus) {
+  return exitStatus == 3 || static_cast<DWORD>(exitStatus) == STATUS_STACK_BUFFER_OVERRUN;
+}
+
 }  // namespace qilsys::test

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <barrier>
-#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -15,10 +13,15 @@
 #include <vector>
 
 #include "support/CaughtAssertion.h"
+#include "support/DebugChannel.h"
+#include "support/Latch.h"
 #include "support/Random.h"
+#include "support/System.h"
 
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
+using qilsys::test::DebugChannelCapture;
+using qilsys::test::Latch;
 using qilsys::test::Rounds;
 
 namespace {
@@ -173,7 +176,7 @@ TEST(RefCntObjectDeathTest, EndsTheProcessWhenTheCountReachesItsLimit) {
   Probe probe;
   WriteCount(probe, 0x7FFFFFFD);
   EXPECT_EQ(probe.AddReference(), 0x7FFFFFFE);
-  EXPECT_EXIT(probe.AddReference(), testing::KilledBySignal(SIGABRT), "");
+  EXPECT_EXIT(probe.AddReference(), qilsys::test::EndedByAbort, "");
 }
 
 // ---- The pointer
@@ -351,9 +354,9 @@ TEST(RefCntPtrNull, DereferencingIsAnAssertion) {
 }
 
 TEST(RefCntPtrNull, WithoutHookItThrows) {
-  testing::internal::CaptureStderr();
+  DebugChannelCapture channel;
   EXPECT_THROW(*Ptr(), LogicException);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+  EXPECT_EQ(channel.Take(),
             "LogicAssert failed (but no hook has been set) at public/qilsys/ReferenceCount line 340: Null pointer "
             "dereferenced\n");
 }
@@ -364,7 +367,7 @@ TEST(RefCntPtrNullDeathTest, EndsTheProcessWhenTheHookReturns) {
         const qilsys::test::RecordedAssertions asserts;
         *Ptr();
       },
-      testing::KilledBySignal(SIGABRT), "");
+      qilsys::test::EndedByAbort, "");
 }
 
 // ---- Threads
@@ -372,12 +375,12 @@ TEST(RefCntPtrNullDeathTest, EndsTheProcessWhenTheHookReturns) {
 // Runs both at once: neither begins before the other is there.
 template <class One, class Two>
 void Together(One one, Two two) {
-  std::barrier start(2);
+  Latch start(2);
   std::thread other([&] {
-    start.arrive_and_wait();
+    start.ArriveAndWait();
     two();
   });
-  start.arrive_and_wait();
+  start.ArriveAndWait();
   one();
   other.join();
 }

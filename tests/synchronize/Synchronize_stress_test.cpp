@@ -5,7 +5,6 @@
 #include <array>
 #include <atomic>
 #include <functional>
-#include <latch>
 #include <memory>
 #include <string>
 #include <thread>
@@ -14,12 +13,14 @@
 #include "qilsys/TEvent.h"
 #include "qilsys/TLocks.h"
 #include "qilsys/TSemaphore.h"
+#include "support/Latch.h"
 #include "support/Random.h"
 #include "synchronize/TEventBase_platform.h"
 
 namespace {
 
 using namespace std::chrono_literals;
+using qilsys::test::Latch;
 using qilsys::test::Rounds;
 using qilsys::test::SeededRandom;
 using std::chrono::milliseconds;
@@ -63,12 +64,12 @@ TEST_P(SynchronizeStressTest, Holds) {
   const int rounds = Rounds(row.m_rounds);
   const std::unique_ptr<Scenario> scenario = row.m_make(row.m_threads);
   {
-    std::latch start(row.m_threads);
+    Latch start(row.m_threads);
     std::vector<std::jthread> threads;
     for (int thread = 0; thread < row.m_threads; ++thread) {
       threads.emplace_back([&, thread] {
         SeededRandom random(static_cast<std::uint64_t>(thread));
-        start.arrive_and_wait();
+        start.ArriveAndWait();
         for (int round = 0; round < rounds; ++round) {
           scenario->Round(thread, random);
         }

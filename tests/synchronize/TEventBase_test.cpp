@@ -2,15 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <memory>
 #include <string>
 #include <thread>
 
+#include "RefusedWaits.h"
 #include "qilsys/TSystem.h"
 #include "support/CaughtAssertion.h"
 #include "support/Eventually.h"
-#include "synchronize/SynchronizeForTest.h"
+#include "support/SystemError.h"
 
 namespace {
 
@@ -18,11 +18,16 @@ using namespace std::chrono_literals;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;
+using qilsys::test::LastErrorNumber;
+using qilsys::test::NumberOf;
+using qilsys::test::RefusedWaits;
 using qilsys::test::ScopedAssertHook;
+using qilsys::test::SetLastErrorNumber;
+using qilsys::test::SystemError;
 using Kind = TPlatformEvent::Kind;
 
-std::string TextOf(int error) {
-  errno = error;
+std::string TextOf(SystemError error) {
+  SetLastErrorNumber(NumberOf(error));
   return TSystem::GetLastErrorString().toStdString();
 }
 
@@ -75,21 +80,16 @@ TEST_P(TPlatformEventTest, TheWaiterThatASetHasReleasedMayDestroyTheEvent) {
 
 TEST_P(TPlatformEventTest, AWaitThatTheSystemRefusesIsFalse) {
   TPlatformEvent event(GetParam().m_kind);
-  SynchronizeForTest::FailWaits(EPERM);
-  const bool limited = event.Wait(1000000);
-  const bool unlimited = event.Wait(TPlatformEvent::s_noLimit);
-  SynchronizeForTest::FailWaits(0);
-  EXPECT_FALSE(limited);
-  EXPECT_FALSE(unlimited);
+  const RefusedWaits refused;
+  EXPECT_FALSE(event.Wait(1000000));
+  EXPECT_FALSE(event.Wait(TPlatformEvent::s_noLimit));
   EXPECT_EQ(event.WaitersForTest(), 0u);
 }
 
 TEST(TEventBase, AWaitWithoutLimitIsFalseAndRaisesNothingWhereTheSystemRefuses) {
   TEventBase base(Kind::ManualReset);
-  SynchronizeForTest::FailWaits(EPERM);
-  const bool result = base.Wait();
-  SynchronizeForTest::FailWaits(0);
-  EXPECT_FALSE(result);
+  const RefusedWaits refused;
+  EXPECT_FALSE(base.Wait());
 }
 
 TEST(TEventBase, SignalOfAnEventThatCouldNotBeCreatedIsAnAssertionAndRunsNoCallback) {
@@ -97,7 +97,7 @@ TEST(TEventBase, SignalOfAnEventThatCouldNotBeCreatedIsAnAssertionAndRunsNoCallb
   int calls = 0;
   base.AddOnSignalCallback(nullptr, [&] { ++calls; });
   const CaughtAssertion expected{"main/synchronize/TEventBase_win", 51,
-                                 "SetEvent() failed with error: " + TextOf(EBADF), 0xF2C0F1A4,
+                                 "SetEvent() failed with error: " + TextOf(SystemError::InvalidHandle), 0xF2C0F1A4,
                                  "LogicException_LogicAssert_0xF2C0F1A4"};
   EXPECT_EQ(CatchAssertion([&] { base.Signal(); }), expected);
   const ScopedAssertHook returning([](const char*, int, const char*, const QuillonError&) {});
@@ -108,7 +108,7 @@ TEST(TEventBase, SignalOfAnEventThatCouldNotBeCreatedIsAnAssertionAndRunsNoCallb
 TEST(TEventBase, ResetOfAnEventThatCouldNotBeCreatedIsAnAssertion) {
   TEventBase base(TPlatformEvent::NotCreated);
   const CaughtAssertion expected{"main/synchronize/TEventBase_win", 25,
-                                 "ResetEvent() failed with error: " + TextOf(EBADF), 0x6BBE359A,
+                                 "ResetEvent() failed with error: " + TextOf(SystemError::InvalidHandle), 0x6BBE359A,
                                  "LogicException_LogicAssert_0x6BBE359A"};
   EXPECT_EQ(CatchAssertion([&] { base.Reset(); }), expected);
 }
@@ -118,6 +118,17 @@ TEST(TEventBase, WaitsForAnEventThatCouldNotBeCreatedAreFalse) {
   EXPECT_FALSE(base.IsSet());
   EXPECT_FALSE(base.Wait());
   EXPECT_FALSE(base.Wait(1000000ms));
+}
+
+TEST(TPlatformEvent, ThatCouldNotBeCreatedLeavesTheReasonWhateverIsAskedOfIt) {
+  TPlatformEvent event(TPlatformEvent::NotCreated);
+  for (const auto& ask : {+[](TPlatformEvent& e) { return e.Set(); }, +[](TPlatformEvent& e) { return e.Reset(); },
+                          +[](TPlatformEvent& e) { return e.Wait(0); }, +[](TPlatformEvent& e) { return e.Wait(1); },
+                          +[](TPlatformEvent& e) { return e.Wait(TPlatformEvent::s_noLimit); }}) {
+    SetLastErrorNumber(0);
+    EXPECT_FALSE(ask(event));
+    EXPECT_EQ(LastErrorNumber(), NumberOf(SystemError::InvalidHandle));
+  }
 }
 
 TEST(TEventBase, WithoutAHookAFailureIsALogicException) {
@@ -130,7 +141,7 @@ TEST(TEventBase, WithoutAHookAFailureIsALogicException) {
     EXPECT_EQ(e.GetInternalMessage().toStdString(),
               "LogicAssert failed (but no hook has been set) at main/synchronize/TEventBase_win line 51: "
               "SetEvent() failed with error: " +
-                  TextOf(EBADF));
+                  TextOf(SystemError::InvalidHandle));
   }
 }
 

@@ -7,10 +7,12 @@
 #include <thread>
 #include <vector>
 
+#include "Arrival.h"
 #include "EventKinds.h"
 #include "qilsys/TEvent.h"
 #include "support/CaughtAssertion.h"
 #include "support/Eventually.h"
+#include "support/System.h"
 
 namespace {
 
@@ -19,6 +21,8 @@ using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;
 using qilsys::test::ModelEvent;
+using qilsys::test::OnceAllHaveArrived;
+using qilsys::test::TickOfWaits;
 using qilsys::test::Waiters;
 using std::chrono::milliseconds;
 using Events = std::vector<IEvent*>;
@@ -61,8 +65,8 @@ TEST(WaitForAll, OfNothingIsTrueAtOnceWhateverTheTime) {
 TEST(WaitForAny, OfNothingWaitsOutItsTimeAndIsFalse) {
   unsigned int index = s_untouched;
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_FALSE(WaitForAny({}, 15ms, index));
-  EXPECT_GE(std::chrono::steady_clock::now() - start, 15ms);
+  EXPECT_FALSE(WaitForAny({}, 40ms, index));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, 40ms - TickOfWaits());
   EXPECT_EQ(index, s_untouched);
   EXPECT_FALSE(WaitForAny({}, 0ms));
 }
@@ -134,17 +138,17 @@ TEST(WaitForAny, APositionWhoseSignalWasLostCannotCountAgain) {
 }
 
 TEST(WaitForAny, AnotherWaiterTakesTheSignalAndThePositionIsLost) {
-  TAutoResetEvent event;
-  std::jthread other([&] { event.Wait(); });
-  ASSERT_TRUE(Eventually([&] { return Waiters(event) == 1; }));
-  TriggerEvent trigger([&] {
-    event.Signal();  // Goes to the other waiter.
-    event.Signal();  // Is not looked at any more.
-  });
-  unsigned int index = s_untouched;
-  EXPECT_FALSE(WaitForAny({&event, &trigger}, 1ms, index));
-  EXPECT_EQ(index, s_untouched);
-  EXPECT_TRUE(event.IsSet());
+  EXPECT_TRUE(OnceAllHaveArrived([](milliseconds) {
+    TAutoResetEvent event;
+    const std::jthread other([&] { event.Wait(); });
+    EXPECT_TRUE(Eventually([&] { return Waiters(event) == 1; }));
+    TriggerEvent trigger([&] {
+      event.Signal();  // Goes to the other waiter.
+      event.Signal();  // Is not looked at any more.
+    });
+    unsigned int index = s_untouched;
+    return !WaitForAny({&event, &trigger}, 1ms, index) && index == s_untouched && event.IsSet();
+  }));
 }
 
 TEST(WaitForAny, GivesThePositionOfTheLastToFire) {

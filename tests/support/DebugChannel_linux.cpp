@@ -1,0 +1,20 @@
+#include "support/DebugChannel.h"
+
+#include <gtest/gtest.h>
+
+namespace qilsys::test {
+
+DebugChannelCapture::DebugChannelCapture() { testing::internal::CaptureStderr(); }
+
+DebugChannelCapture::~DebugChannelCapture() {
+  if (!m_isOver) {
+    Take();
+  }
+}
+
+std::string DebugChannelCapture::Take() {
+  m_isOver = true;
+  return testing::internal::GetCapturedStderr();
+}
+
+}  // namespace qilsys::test
