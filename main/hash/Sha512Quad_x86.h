@@ -4,95 +4,123 @@
 
 #include <immintrin.h>
 
+#include <algorithm>
+
 #include "hash/Compiler.h"
 #include "hash/ShaRounds.h"
 
 namespace qilsys::hash {
 
-/// To be compiled for AVX2 at least, and better for what follows it.
+/// To be compiled for AVX2 at least. Where the caller has AVX-512VL, compilers make rotations of the pairs of shifts.
 #define QILSYS_WITH_QUAD QILSYS_WITH_INSTRUCTIONS("avx2,bmi,bmi2")
 
 struct Sha512Quad {
   using Words = ShaRounds::Words512;
-  using Vector = uint64_t __attribute__((vector_size(32)));
 
   static constexpr size_t Lanes = 4;
   static constexpr size_t BlockBytes = 128;
 
-  /// The words of four blocks, and the same with the constants of their rounds added.
+  /// For each round a row: the word of each of four blocks, four times the round's constant, and the sums of the two,
+  /// which the rounds want. One pointer reaches all of them, since the rounds need nearly every register.
   struct Schedule {
-    Vector words[Words::Rounds];
-    Vector sums[Words::Rounds];
-  };
+    alignas(64) uint64_t rows[Words::Rounds * 3 * Lanes];
 
-  template <int Bits>
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER Vector Turn(const Vector& x) {
-    return (x >> Bits) | (x << (64 - Bits));
+    Schedule() {
+      for (size_t k = 0; k < Words::Rounds; ++k)
+        std::fill_n(rows + k * RowWords + ConstantsAt, Lanes, Words::Constants[k]);
+    }
+  };
+  static constexpr size_t ConstantsAt = Lanes;
+  static constexpr size_t SumsAt = 2 * Lanes;
+  static constexpr size_t RowWords = 3 * Lanes;
+
+  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER __m256i Load(const void* source) {
+    return _mm256_loadu_si256(static_cast<const __m256i*>(source));
   }
 
-  /// Words `k` to `k` + 3 of four blocks, the first word of all of them first.
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void LoadWords(Vector* w, const unsigned char* blocks, size_t k) {
+  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Put(uint64_t* row, __m256i words) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(row), words);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(row + SumsAt), _mm256_add_epi64(words, Load(row + ConstantsAt)));
+  }
+
+  /// Makes four rows of the first sixteen from the bytes of four blocks.
+  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Begin(uint64_t* row, const unsigned char* bytes) {
     const __m256i swap =
         _mm256_set_epi64x(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
-    const auto load = [&](size_t block) QILSYS_WITH_QUAD {
-      const void* source = blocks + block * BlockBytes + k * sizeof(uint64_t);
-      return _mm256_shuffle_epi8(_mm256_loadu_si256(static_cast<const __m256i*>(source)), swap);
-    };
-    const __m256i a = load(0), b = load(1), c = load(2), d = load(3);
+    const __m256i a = _mm256_shuffle_epi8(Load(bytes), swap);
+    const __m256i b = _mm256_shuffle_epi8(Load(bytes + BlockBytes), swap);
+    const __m256i c = _mm256_shuffle_epi8(Load(bytes + 2 * BlockBytes), swap);
+    const __m256i d = _mm256_shuffle_epi8(Load(bytes + 3 * BlockBytes), swap);
     const __m256i ab02 = _mm256_unpacklo_epi64(a, b), ab13 = _mm256_unpackhi_epi64(a, b);
     const __m256i cd02 = _mm256_unpacklo_epi64(c, d), cd13 = _mm256_unpackhi_epi64(c, d);
-    w[k] = reinterpret_cast<Vector>(_mm256_permute2x128_si256(ab02, cd02, 0x20));
-    w[k + 1] = reinterpret_cast<Vector>(_mm256_permute2x128_si256(ab13, cd13, 0x20));
-    w[k + 2] = reinterpret_cast<Vector>(_mm256_permute2x128_si256(ab02, cd02, 0x31));
-    w[k + 3] = reinterpret_cast<Vector>(_mm256_permute2x128_si256(ab13, cd13, 0x31));
+    Put(row, _mm256_permute2x128_si256(ab02, cd02, 0x20));
+    Put(row + RowWords, _mm256_permute2x128_si256(ab13, cd13, 0x20));
+    Put(row + 2 * RowWords, _mm256_permute2x128_si256(ab02, cd02, 0x31));
+    Put(row + 3 * RowWords, _mm256_permute2x128_si256(ab13, cd13, 0x31));
   }
 
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Add(Schedule& schedule, size_t k) {
-    schedule.sums[k] = schedule.words[k] + Words::Constants[k];
+  template <int Bits>
+  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER __m256i Turn(__m256i x) {
+    return _mm256_or_si256(_mm256_srli_epi64(x, Bits), _mm256_slli_epi64(x, 64 - Bits));
   }
 
-  /// Makes the words `k` to `k` + 3 of four blocks from their bytes, for `k` below 16.
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Begin(Schedule& schedule, const unsigned char* blocks, size_t k) {
-    LoadWords(schedule.words, blocks, k);
-    for (size_t i = 0; i < Lanes; ++i) Add(schedule, k + i);
+  /// A sigma of the standard: two rotations and a shift.
+  template <int First, int Second, int Shift>
+  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER __m256i Sigma(__m256i x) {
+    return _mm256_xor_si256(_mm256_xor_si256(Turn<First>(x), Turn<Second>(x)), _mm256_srli_epi64(x, Shift));
   }
 
-  /// Makes word `k` of four blocks from those before, for `k` from 16 on.
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Extend(Schedule& schedule, size_t k) {
-    Vector* w = schedule.words + k;
-    const Vector x = w[-15], y = w[-2];
-    w[0] = w[-16] + (Turn<1>(x) ^ Turn<8>(x) ^ (x >> 7)) + w[-7] + (Turn<19>(y) ^ Turn<61>(y) ^ (y >> 6));
-    Add(schedule, k);
+  /// Makes any later row from those before.
+  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Extend(uint64_t* row) {
+    const __m256i plain = _mm256_add_epi64(Load(row - 16 * RowWords), Load(row - 7 * RowWords));
+    const __m256i early = _mm256_add_epi64(plain, Sigma<1, 8, 7>(Load(row - 15 * RowWords)));
+    Put(row, _mm256_add_epi64(early, Sigma<19, 61, 6>(Load(row - 2 * RowWords))));
   }
 
-  /// The 80 rounds of one block, by its lane, with a quarter of the schedule to come in between: four words after each
-  /// sixteen rounds' start.
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Rounds(uint64_t* state, const Schedule& now, size_t lane,
-                                                            Schedule& next, const unsigned char* nextBlocks) {
-    ShaRounds::Values<Words> v(state);
-    for (size_t base = 0; base < Words::Rounds; base += 16) {
-      const size_t k = lane * 20 + base / 4;
-      if (k < ShaRounds::BlockWords) Begin(next, nextBlocks, k);
-      QILSYS_UNROLL(16)
-      for (size_t i = 0; i < 16; ++i) {
-        ShaRounds::Round<Words>(v, i, now.sums[base + i][lane]);
-        if (i % 4 == 3 && k >= ShaRounds::BlockWords) Extend(next, k + i / 4);
-      }
+  /// Sixteen rounds of one block, `sums` being those of its lane in the first row, while four more rows are made.
+  template <bool Extends>
+  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Rounds(ShaRounds::Values<Words>& v, const uint64_t* sums,
+                                                            uint64_t* next) {
+    QILSYS_UNROLL(16)
+    for (size_t i = 0; i < 16; ++i) {
+      ShaRounds::Round<Words>(v, i, sums[i * RowWords]);
+      if (Extends && i % 4 == 3) Extend(next + i / 4 * RowWords);
     }
-    v.AddTo(state);
   }
 
-  /// Feeds the blocks by fours and returns how many are left over.
+  /// Feeds four blocks whose schedule is made, and makes that of the next four in between.
+  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Feed(uint64_t* state, const Schedule& now, Schedule& next,
+                                                          const unsigned char* nextBlocks) {
+    for (size_t lane = 0, k = 0; lane < Lanes; ++lane) {
+      ShaRounds::Values<Words> v(state);
+      for (size_t base = 0; base < Words::Rounds; base += 16, k += 4) {
+        const uint64_t* sums = now.rows + base * RowWords + SumsAt + lane;
+        uint64_t* row = next.rows + k * RowWords;
+        if (k < ShaRounds::BlockWords) {
+          Begin(row, nextBlocks + k * sizeof(uint64_t));
+          Rounds<false>(v, sums, row);
+        } else {
+          Rounds<true>(v, sums, row);
+        }
+      }
+      v.AddTo(state);
+    }
+  }
+
+  /// Feeds the blocks by fours and returns how many are left over. `FeedFour` is a form of `Feed` that stays apart: in a
+  /// function with vectors in its frame the compiler has one register less.
+  template <auto FeedFour>
   static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER size_t Transform(uint64_t* state, const unsigned char*& blocks,
                                                                  size_t count) {
     if (count < Lanes) return count;
     Schedule schedules[2];
-    for (size_t k = 0; k < ShaRounds::BlockWords; k += Lanes) Begin(schedules[0], blocks, k);
-    for (size_t k = ShaRounds::BlockWords; k < Words::Rounds; ++k) Extend(schedules[0], k);
+    uint64_t* row = schedules[0].rows;
+    for (size_t k = 0; k < ShaRounds::BlockWords; k += 4) Begin(row + k * RowWords, blocks + k * sizeof(uint64_t));
+    for (size_t k = ShaRounds::BlockWords; k < Words::Rounds; ++k) Extend(row + k * RowWords);
     for (size_t turn = 0;; turn ^= 1) {
       // The last four have none behind them: their own are read again, to no effect.
       const unsigned char* next = count >= 2 * Lanes ? blocks + Lanes * BlockBytes : blocks;
-      for (size_t lane = 0; lane < Lanes; ++lane) Rounds(state, schedules[turn], lane, schedules[turn ^ 1], next);
+      FeedFour(state, schedules[turn], schedules[turn ^ 1], next);
       blocks += Lanes * BlockBytes;
       count -= Lanes;
       if (count < Lanes) return count;

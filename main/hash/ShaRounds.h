@@ -86,18 +86,24 @@ struct ShaRounds {
     }
   };
 
-  /// One round, of which `input` is the word with the constant added. Sigma1 of the newest value comes last into each
-  /// sum, since all else is ready before it; the majority is written by two operations that the round before shares.
+  /// One round, of which `input` is the word with the constant added.
+  ///
+  /// The rounds are a chain, and what counts is how many steps lie between one e and the next, and between one a and the
+  /// next: four, since into each sum that comes last which is ready last. So the standard's T1 + d is summed without T1,
+  /// which the new a then is given back as the new e less d; and Maj(a, b, c) is the sum of b & c, which the round
+  /// before could know, and a & (b ^ c), which has no bit in common with it.
   template <class Words>
   static QILSYS_PART_OF_CALLER void Round(Values<Words>& values, size_t round, typename Words::Word input) {
     const auto at = [&](size_t i) -> typename Words::Word& { return values.v[(i - round) & 7]; };
-    const auto early = at(7) + input + sha2::Ch(at(4), at(5), at(6));
-    const auto sum = early + Words::Sigma1(at(4));
-    const auto differing = at(0) ^ at(1);
-    const auto majority = (differing & values.differing) ^ at(1);
-    values.differing = differing;
-    at(3) += sum;
-    at(7) = sum + (Words::Sigma0(at(0)) + majority);
+    auto e = at(7) + input + at(3);
+    auto a = (at(1) & at(2)) - at(3);
+    e += sha2::Ch(at(4), at(5), at(6));
+    e += Words::Sigma1(at(4));
+    a += at(0) & values.differing;
+    values.differing = at(0) ^ at(1);
+    a += e;
+    at(3) = e;
+    at(7) = a + Words::Sigma0(at(0));
   }
 
   /// Turns the word of sixteen rounds ago into the word of this round.

@@ -132,14 +132,26 @@ void Sha512Bmi2(uint64_t* state, const unsigned char* blocks, size_t count) {
 // Four schedules at a time.
 
 QILSYS_WITH_INSTRUCTIONS("avx2,bmi,bmi2")
+QILSYS_APART void FeedFourAvx2(uint64_t* state, const Sha512Quad::Schedule& now, Sha512Quad::Schedule& next,
+                               const unsigned char* nextBlocks) {
+  Sha512Quad::Feed(state, now, next, nextBlocks);
+}
+
+QILSYS_WITH_INSTRUCTIONS("avx2,bmi,bmi2")
 void Sha512Avx2(uint64_t* state, const unsigned char* blocks, size_t count) {
-  const size_t left = Sha512Quad::Transform(state, blocks, count);
+  const size_t left = Sha512Quad::Transform<FeedFourAvx2>(state, blocks, count);
   ShaRounds::Transform<ShaRounds::Words512>(state, blocks, left);
 }
 
 QILSYS_WITH_INSTRUCTIONS("avx512vl,avx2,bmi,bmi2")
+QILSYS_APART void FeedFourAvx512(uint64_t* state, const Sha512Quad::Schedule& now, Sha512Quad::Schedule& next,
+                                 const unsigned char* nextBlocks) {
+  Sha512Quad::Feed(state, now, next, nextBlocks);
+}
+
+QILSYS_WITH_INSTRUCTIONS("avx512vl,avx2,bmi,bmi2")
 void Sha512Avx512(uint64_t* state, const unsigned char* blocks, size_t count) {
-  const size_t left = Sha512Quad::Transform(state, blocks, count);
+  const size_t left = Sha512Quad::Transform<FeedFourAvx512>(state, blocks, count);
   ShaRounds::Transform<ShaRounds::Words512>(state, blocks, left);
 }
 
