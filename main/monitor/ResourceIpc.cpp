@@ -20,6 +20,10 @@ constexpr const char* g_broadcastAddress = "127.255.255.255";
 // The system's default holds a few hundred datagrams, and what does not fit is lost without a word.
 constexpr int g_receiveBufferBytes = 1 << 20;
 
+// With the receive buffer, room for the longest datagram there is. The systems, and what stands in for them, differ in
+// how a receive ends whose datagram does not fit, so every datagram does.
+constexpr std::size_t g_restBytes = 1 << 16;
+
 template <class TValues>
 TValues ValuesOf(const unsigned char* datagram) {
   TValues values;
@@ -56,6 +60,8 @@ struct ResourceIpc::Sockets {
   boost::asio::io_context m_sendContext;
   udp::socket m_sendSocket{m_sendContext};
   udp::endpoint m_senderEndpoint;
+  /// Takes what goes beyond the receive buffer; nobody looks at it.
+  std::unique_ptr<unsigned char[]> m_rest{new unsigned char[g_restBytes]};
   udp::endpoint m_destination;
 };
 
@@ -93,8 +99,10 @@ void ResourceIpc::Listen() {
 }
 
 void ResourceIpc::PostReceive() {
+  const std::array<boost::asio::mutable_buffer, 2> buffers{boost::asio::buffer(m_receiveBuffer),
+                                                           boost::asio::buffer(m_sockets->m_rest.get(), g_restBytes)};
   m_sockets->m_receiveSocket.async_receive_from(
-      boost::asio::buffer(m_receiveBuffer), m_sockets->m_senderEndpoint,
+      buffers, m_sockets->m_senderEndpoint,
       [this](const boost::system::error_code& error, std::size_t length) { OnReceive(error, length); });
 }
 

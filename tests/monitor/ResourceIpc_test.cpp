@@ -12,6 +12,7 @@
 
 #include "monitor/Loopback.h"
 #include "support/Eventually.h"
+#include "support/System.h"
 
 namespace qilsys::test {
 namespace {
@@ -129,6 +130,7 @@ TEST(ResourceIpcTest, OtherLengthsAreRejectedAndListeningGoesOn) {
 }
 
 TEST(ResourceIpcTest, OtherAddressesAreIgnoredInSilence) {
+  QILSYS_SKIP_UNDER_WINE("what is sent from a socket at 127.0.0.2 comes from 127.0.0.1");
   const unsigned short port = FreePort();
   Listener listener(port);
   Sender other(port, "127.0.0.2");
