@@ -74,7 +74,7 @@ void Actor::Note(const TStringCore& text, bool marked, double seconds, Chronicle
 
 Usage Actor::Measure() {
   if (!m_meter.IsRunning()) return {};
-  return {m_meter.GetMemoryUsage(), m_meter.GetCpuUsage(), true};
+  return {AboveBare(m_meter.GetMemoryUsage()), m_meter.GetCpuUsage(), true};
 }
 
 }  // namespace demo

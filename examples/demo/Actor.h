@@ -30,7 +30,7 @@ class Actor {
   /// Takes in what the member said; new events are added to `chronicle`.
   void Listen(double seconds, Chronicle& chronicle);
 
-  /// Reads what the member uses now.
+  /// Reads what the member uses now, its memory above that of a bare process.
   Usage Measure();
 
   /// How often its monitor has given this sign.

@@ -19,7 +19,7 @@ struct Event {
   bool m_marked = false;
 };
 
-/// What one member used at one moment.
+/// What one member used at one moment, its memory above that of a bare process.
 struct Usage {
   unsigned long long m_bytes = 0;
   unsigned int m_cpuPercent = 0;

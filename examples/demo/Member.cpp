@@ -30,7 +30,7 @@ class GroupMemory {
     const TScopedLock scope(m_mutex);
     unsigned long long total = 0;
     for (const auto& [pid, process] : m_members) {
-      if (process.IsRunning()) total += process.GetMemoryUsage();
+      if (process.IsRunning()) total += AboveBare(process.GetMemoryUsage());
     }
     return total;
   }
@@ -92,7 +92,7 @@ class Member {
 
   ResourceManager::MemoryConfig Memory() {
     ResourceManager::MemoryConfig config{};
-    config.m_perProcessLimit = Limits::PerProcess;
+    config.m_perProcessLimit = BareBytes() + Limits::PerProcess;
     config.m_allProcessesLimit = Limits::AllProcesses;
     config.m_terminateCode = ExitCodes::Memory;
     config.m_terminateOnExcess = true;

@@ -7,6 +7,13 @@ namespace demo {
 
 constexpr unsigned long long MiB = 1024ull * 1024ull;
 
+/// What a process of this program takes before it holds anything, as it was at the first call. That differs much from
+/// system to system, and the quantities of the story are meant above it.
+unsigned long long BareBytes();
+
+/// `bytes` of private memory, less those of a bare process.
+unsigned long long AboveBare(unsigned long long bytes);
+
 /// Limits and pace of the group; every member is configured with the same ones.
 struct Limits {
   static constexpr unsigned long long PerProcess = 128 * MiB;

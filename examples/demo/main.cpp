@@ -14,6 +14,7 @@
 #include "demo/Preflight.h"
 #include "demo/Report.h"
 #include "demo/Screen.h"
+#include "demo/Setting.h"
 #include "qilsys/MonitoredProcess.h"
 #include "qilsys/QuillonException.h"
 
@@ -99,6 +100,7 @@ int RunStory(const Options& options) {
 }
 
 int Run(const Options& options) {
+  demo::BareBytes();  // read while there is nothing more
   if (options.m_help) {
     std::cout << Usage;
     return EXIT_SUCCESS;
