@@ -2,10 +2,12 @@
 """Every public header compiles alone and twice, and brings in nothing but the C++ library and what its interface shows.
 
 A header of the operating system that the C++ library includes for itself can't be helped; so what counts is what our
-headers name, and what the few dependency headers that they may name pull in.
+headers name, and what the few dependency headers that they may name pull in. Where the compiler for Windows is at hand,
+each compiles alone there too, and all of them together bring in neither windows.h nor its macros.
 """
 import os
 import re
+import shutil
 import subprocess
 from concurrent.futures import ThreadPoolExecutor
 
@@ -31,10 +33,27 @@ def check_contents(report, headers):
         for kind, name in re.findall(r'^(class|struct) (?:QILSYS_API |\[\[\w+\]\] )+(\w+)[^;:]*[:{]', read(path), re.M):
             if not re.search(rf'^ *{kind} {name};', names, re.M):
                 report.wrong(f'{path}:{name}', 'not declared in qilsys/Fwd.h')
+MINGW = 'x86_64-w64-mingw32-g++-posix'
+MINGW_PREFIX = os.environ.get('QILSYS_WINDOWS_PREFIX', os.path.expanduser('~/.cache/qilsys/windows'))
+# The guards of windows.h and its nearest, and names that it is known to take from others.
+WINDOWS_MACROS = re.compile(r'^#define (_WINDOWS_|_INC_WINDOWS|_WINDEF_|_WINBASE_|_WINUSER_|_WINSOCK2API_|min|max|near|far|'
+                            r'CreateEvent|GetMessage|SendMessage|GetObject|Yield|interface|ERROR)\b.*', re.M)
 
 
-def compile(code, *flags):
-    return subprocess.run([CXX, *FLAGS, *flags, '-x', 'c++', '-fsyntax-only', '-'], input=code, capture_output=True, text=True)
+def compile(code, *flags, compiler=CXX):
+    return subprocess.run([compiler, *FLAGS, *flags, '-x', 'c++', '-fsyntax-only', '-'], input=code, capture_output=True, text=True)
+
+
+def check_for_windows(report, headers):
+    flags = ['-D_WIN32_WINNT=0x0A00', '-isystem', f'{MINGW_PREFIX}/include']
+    alone = lambda header: compile(f'#include "{header.removeprefix("public/")}"\n', *flags, compiler=MINGW)
+    with ThreadPoolExecutor(os.cpu_count()) as pool:
+        for path, result in zip(headers, pool.map(alone, headers)):
+            if result.returncode:
+                report.wrong(path, 'does not compile alone for Windows:\n' + result.stderr[:1500])
+    macros = compile('#include "qilsys/qilsys.h"\n', *flags, '-dM', '-E', compiler=MINGW).stdout
+    for match in WINDOWS_MACROS.finditer(macros):
+        report.wrong('public/qilsys/qilsys.h', f'brings in windows.h or a name of it: {match.group(0)}')
 
 
 def standard_headers():
@@ -85,4 +104,6 @@ with ThreadPoolExecutor(os.cpu_count()) as pool:
     for path, result in zip(headers, pool.map(compile, codes)):
         if result.returncode:
             report.wrong(path, 'does not compile alone and twice:\n' + result.stderr[:1500])
+if shutil.which(MINGW) and os.path.isdir(MINGW_PREFIX):
+    check_for_windows(report, headers)
 report.finish()

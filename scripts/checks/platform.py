@@ -1,16 +1,22 @@
 #!/usr/bin/env python3
-"""Conditionals on the operating system stand only in files that carry its name."""
+"""Conditionals on the operating system, and the headers of Windows, stand only in files that carry its name."""
 import re
 
 from tree import Report, read, tracked, without_comments
 
 SYSTEM = re.compile(r'^[ \t]*#[ \t]*(?:if|elif|ifdef|ifndef|elifdef)\b.*\b(_WIN32|_WIN64|_MSC_VER|__MINGW\w*|__linux__|'
                     r'__linux|__unix__|__APPLE__|__FreeBSD__|__CYGWIN__|__GLIBC__)\b', re.M)
+# They define macros by the thousand, min and GetMessage among them.
+WINDOWS = re.compile(r'^[ \t]*#[ \t]*include[ \t]*[<"]((?:windows|win\w+|ws2\w+|mswsock|psapi|bcrypt|dbghelp|tlhelp32|powrprof|'
+                     r'powerbase|shlobj|shellapi|synchapi|processthreadsapi|sysinfoapi|\w+apiset)\.h)[>"]', re.M | re.I)
 
 report = Report('platform')
 for path in tracked('*.h', '*.cpp'):
-    if re.search(r'_(linux|win)\.(h|cpp)$', path):
-        continue
-    for match in SYSTEM.finditer(without_comments(read(path))):
-        report.wrong(path, f'a conditional on {match.group(1)}; the system belongs in a _linux or _win file')
+    code = without_comments(read(path))
+    if not re.search(r'_win\.(h|cpp)$', path):
+        for match in WINDOWS.finditer(code):
+            report.wrong(path, f'includes {match.group(1)}, which belongs in a _win file')
+    if not re.search(r'_(linux|win)\.(h|cpp)$', path):
+        for match in SYSTEM.finditer(code):
+            report.wrong(path, f'a conditional on {match.group(1)}; the system belongs in a _linux or _win file')
 report.finish()
