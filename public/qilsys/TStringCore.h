@@ -44,9 +44,11 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
 
   // ---- Construction and assignment
 
-  TStringCore() noexcept;
+  // What TStringCoreInline.h defines is inline from here on, or a module that imports the class would have met it as
+  // imported before.
+  inline TStringCore() noexcept;
   /// Copies `len` units as they are. Null gives empty text.
-  TStringCore(const TCodeUnit* s, int len = -1);
+  inline TStringCore(const TCodeUnit* s, int len = -1);
   template <ForeignUnit U>
   TStringCore(const U* s, int len = -1) : TStringCore(TForeignText(s, s ? len : 0)) {}
   /// `s` is UTF-8 of `len` bytes; undecodable input becomes U+FFFD. Null gives empty text.
@@ -65,15 +67,15 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   explicit TStringCore(const TForeignText& text) : TStringCore(text.data(), text.length()) {}
 
   /// Copies share a block: one atomic increment.
-  TStringCore(const TStringCore& other) noexcept;
+  inline TStringCore(const TStringCore& other) noexcept;
   /// Takes the block and leaves `other` empty; an inline `other` keeps its text.
-  TStringCore(TStringCore&& other) noexcept;
-  ~TStringCore();
+  inline TStringCore(TStringCore&& other) noexcept;
+  inline ~TStringCore();
 
   /// Shares the block of `other`; inline text is copied, into the block of this string where it holds one alone.
-  TStringCore& operator=(const TStringCore& other);
+  inline TStringCore& operator=(const TStringCore& other);
   /// As the copy assignment, but takes a block and leaves `other` empty; an inline `other` keeps its text.
-  TStringCore& operator=(TStringCore&& other);
+  inline TStringCore& operator=(TStringCore&& other);
   /// One unit. Templates, so that `text = {}` means the empty text.
   template <std::same_as<TCodeUnit> U>
   TStringCore& operator=(U c);
@@ -87,7 +89,7 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   void assign(char c, int n) { assign(static_cast<TCodeUnit>(static_cast<unsigned char>(c)), n); }
   /// Keeps a held block. Where `s` is the first unit of this text, a negative `len` changes nothing and another cuts.
   void assign(const TCodeUnit* s, int len = -1) { _assignHandleSelf(s, len); }
-  TStringCore& set(const TCodeUnit* s, int len = -1);
+  inline TStringCore& set(const TCodeUnit* s, int len = -1);
   /// By way of three copy assignments.
   void swap(TStringCore& other);
   using TForeignForms::assign;
@@ -116,18 +118,18 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
 
   using TForeignForms::length;
   using TForeignForms::lengthInBytes;
-  int length() const noexcept;
+  inline int length() const noexcept;
   size_type size() const noexcept { return static_cast<size_type>(length()); }
-  int lengthInBytes() const noexcept;
+  inline int lengthInBytes() const noexcept;
   /// The units before the NUL of `s`: 0 for null. 0x7FFFFFF8 of them or more raise CapacityException.
   static int length(const TCodeUnit* s);
   static int lengthInBytes(const TCodeUnit* s);
   bool empty() const noexcept { return length() == 0; }
   bool isEmpty() const noexcept { return length() == 0; }
   /// The units of the storage, the terminator's slot included: 15 while inline.
-  int capacity() const noexcept;
+  inline int capacity() const noexcept;
   /// True while another string holds the same block.
-  bool isShared() const noexcept;
+  inline bool isShared() const noexcept;
   /// Makes room for `n` units; never lowers the capacity and leaves a held block exclusive. Negative `n` raises.
   void reserve(int n) { reserveWithMode(n, GrowAtLeast); }
   /// Sets the length, 0 for a negative `n`. New units are not initialised.
@@ -135,10 +137,10 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   /// Shrinks the storage to the text.
   void squeeze();
   /// Gives up any block and becomes empty and inline.
-  void clear() noexcept;
+  inline void clear() noexcept;
 
   /// The const forms never detach; the others first make a shared block exclusive.
-  const TCodeUnit* data() const noexcept;
+  inline const TCodeUnit* data() const noexcept;
   const TCodeUnit* constData() const noexcept { return data(); }
   operator const TCodeUnit*() const noexcept { return data(); }
   const TCodeUnit* begin() const noexcept { return data(); }
@@ -148,7 +150,7 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   const TCodeUnit* front() const noexcept { return data(); }
   /// The last unit; not tested for emptiness.
   const TCodeUnit& back() const noexcept { return data()[length() - 1]; }
-  TCodeUnit* data();
+  inline TCodeUnit* data();
   TCodeUnit* begin() { return data(); }
   TCodeUnit* end() { return data() + length(); }
   TCodeUnit& front() { return *data(); }
@@ -259,7 +261,7 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   /// Always case-sensitive, whatever `cs` says; no other overload ignores it.
   template <std::same_as<char16_t> W>
   bool contains(const W* needle, CaseSensitivity cs = CaseSensitive) const;
-  bool contains(std::nullptr_t, CaseSensitivity cs = CaseSensitive) const;
+  inline bool contains(std::nullptr_t, CaseSensitivity cs = CaseSensitive) const;
   bool contains(TCodeUnit c) const;
 
   int count(TCodeUnit c) const;
@@ -328,7 +330,7 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   using TForeignForms::operator+=;
   TStringCore& append(const TStringCore& other);
   TStringCore& append(const TCodeUnit* s, int len = -1);
-  TStringCore& append(TCodeUnit c);
+  inline TStringCore& append(TCodeUnit c);
   /// Zero-extended, not decoded.
   TStringCore& append(char c) { return append(static_cast<TCodeUnit>(static_cast<unsigned char>(c))); }
   TStringCore& operator+=(const TStringCore& other) { return append(other); }
@@ -546,20 +548,20 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
                 offsetof(StringBlock, capacity) == 4 && offsetof(StringBlock, length) == 8);
 
   bool isInline() const noexcept { return m_words.storageState >= 0; }
-  StringBlock* blockPointer() const noexcept;
-  void setBlockPointer(StringBlock* block) noexcept;
-  static int references(const StringBlock* block) noexcept;
-  static void retainBlock(StringBlock* block) noexcept;
-  static void releaseBlock(StringBlock* block) noexcept;
+  inline StringBlock* blockPointer() const noexcept;
+  inline void setBlockPointer(StringBlock* block) noexcept;
+  static inline int references(const StringBlock* block) noexcept;
+  static inline void retainBlock(StringBlock* block) noexcept;
+  static inline void releaseBlock(StringBlock* block) noexcept;
   void setInline(const TCodeUnit* s, int n) noexcept;
-  void setInlineLength(int n) noexcept;
+  inline void setInlineLength(int n) noexcept;
 
   static StringBlock* allocateBlock(int capacity, StringBlock* existing);
   static void setBlockLength(StringBlock* block, int n);
   int nextCapacity(int n, GrowthMode mode) const;
   static int geometricCapacity(int n);
   void unshareInto(int capacity);
-  void detach();
+  inline void detach();
   void promoteToBlock(int capacity);
   void reallocateBlock(int capacity);
   TCodeUnit* resizeForWrite(int n);
