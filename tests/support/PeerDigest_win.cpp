@@ -48,8 +48,8 @@ class Computation {
   ~Computation() { BCryptDestroyHash(m_handle); }
 
   void Feed(const unsigned char* data, std::size_t length) {
-    // A call counts its bytes by 32 bits.
-    constexpr std::size_t Most = std::size_t{1} << 30;
+    // A call counts its bytes by 32 bits, and Wine's SHA-1 the bits of a call.
+    constexpr std::size_t Most = std::size_t{1} << 26;
     for (std::size_t count = 0; length > 0; data += count, length -= count) {
       count = std::min(length, Most);
       Check(BCryptHashData(m_handle, const_cast<unsigned char*>(data), static_cast<ULONG>(count), 0), "BCryptHashData");
