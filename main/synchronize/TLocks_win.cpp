@@ -7,6 +7,7 @@
 
 #include <atomic>
 
+#include "synchronize/LockCount_win.h"
 #include "synchronize/TWaitable_win.h"
 
 namespace {
@@ -58,14 +59,11 @@ void TCriticalSection::Leave() noexcept {
   LeaveCriticalSection(&section.m_section);
 }
 
-// The debugger's documentation gives two layouts of the count. Since Windows Server 2003 SP1 it is below zero: bit 0
-// clear while the section is held, bit 1 clear while a thread has been woken for it, and above them the complement of
-// the number of threads that wait. Before, and in Wine, it is the number of entries and of threads that wait, less 1.
 bool TCriticalSection::IsContendedForTest() const noexcept {
   const CRITICAL_SECTION& section = m_section.As<Section>().m_section;
-  const LONG lockCount = static_cast<const volatile LONG&>(section.LockCount);
-  const LONG entries = static_cast<const volatile LONG&>(section.RecursionCount);
-  return lockCount < 0 ? ~(lockCount >> 2) > 0 : lockCount >= entries;
+  const volatile LONG& lockCount = section.LockCount;
+  const volatile LONG& entries = section.RecursionCount;
+  return qilsys::synchronize::HasWaiters(lockCount, entries);
 }
 
 TConditionVariable::TConditionVariable() { m_condition.Construct<Condition>(); }
