@@ -32,7 +32,6 @@ windows: ## Build everything for 64-bit Windows and run all tests there, under W
 
 demo-windows: ## Build the demo for 64-bit Windows and run it under Wine
 	@scripts/setup-windows
-	@scripts/setup demo
 	@$(MAKE) --no-print-directory build/windows/build.ninja
 	@cmake --build --preset windows -j $(JOBS) --target qilsys_demo
 	@$(RUN_WINE) build/windows/bin/qilsys_demo.exe
