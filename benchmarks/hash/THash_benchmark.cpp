@@ -9,6 +9,13 @@
 #include <string>
 #include <utility>
 
+// As a call across a library is not.
+#if defined(__GNUC__)
+#define QILSYS_NOT_INLINE __attribute__((noinline))
+#else
+#define QILSYS_NOT_INLINE __declspec(noinline)
+#endif
+
 namespace {
 
 constexpr std::uint64_t Seed = 0x0123456789abcdef;
@@ -135,13 +142,13 @@ void BM_THash64(benchmark::State& state) {
   Measure(state, [](const void* data, std::size_t length) { return THash64(data, length, Seed); });
 }
 
-[[gnu::noinline]] std::uint64_t CallSpooky(const void* data, std::size_t length) {
+QILSYS_NOT_INLINE std::uint64_t CallSpooky(const void* data, std::size_t length) {
   return PublishedSpooky(data, length, Seed);
 }
 
 void BM_PublishedSpooky(benchmark::State& state) { Measure(state, CallSpooky); }
 
-[[gnu::noinline]] std::uint32_t CallLookup2(const void* data, std::size_t length) {
+QILSYS_NOT_INLINE std::uint32_t CallLookup2(const void* data, std::size_t length) {
   return PublishedLookup2(static_cast<const unsigned char*>(data), static_cast<std::uint32_t>(length), 7);
 }
 

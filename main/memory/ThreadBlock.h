@@ -5,6 +5,13 @@
 
 #include "qilsys/TMemory.h"
 
+// Initial-exec: the variable lies in the room that a thread is born with, so that reading it never allocates.
+#if defined(__GNUC__)
+#define QILSYS_BORN_WITH_THREAD [[gnu::tls_model("initial-exec")]]
+#else
+#define QILSYS_BORN_WITH_THREAD
+#endif
+
 class TCancelEvent;
 
 namespace AsyncTask {
@@ -23,8 +30,7 @@ struct ThreadBlock {
   IWaitHandler* waitHandler;
 };
 
-// Initial-exec: the block lies in the room that a thread is born with, so that reading it never allocates.
-extern constinit thread_local ThreadBlock t_threadBlock [[gnu::tls_model("initial-exec")]];
+extern constinit thread_local ThreadBlock t_threadBlock QILSYS_BORN_WITH_THREAD;
 
 }  // namespace AsyncTask
 

@@ -26,7 +26,7 @@ HEADERS = (r'unistd|dlfcn|strings|dirent|poll|sched|pthread|semaphore|alloca|get
 
 RULES = [(rf'(?<![\w:.>])({NAMES_OF_GNU})\b', 'an extension of GCC and clang'),
          (rf'(?<![\w.>"])(?<!\w::)({NAMES_OF_POSIX})\b(?=[^\w"]*[ (;*>&,)])', 'POSIX, not C++'),
-         (rf'({PREDEFINED})', 'predefined by GCC and clang only'),
+         (rf'({PREDEFINED})(?![^\n]*\b_M_\w)', 'predefined by GCC and clang only'),
          (rf'#[ \t]*include[ \t]*<((?:{HEADERS})(?:\.h)?)>', 'a header that MSVC does not have'),
          (r'#[ \t]*(warning|include_next|pragma (?:GCC|clang)\b)', 'a directive that MSVC does not know'),
          (r'#[^\n]*\b(__has_(?:builtin|feature))\b', 'a question that MSVC\'s preprocessor cannot read'),
