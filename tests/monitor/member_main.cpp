@@ -2,7 +2,9 @@
 // from standard input; the end of that input is "quit".
 //
 //   arguments: port memory-limit all-processes-limit cpu-limit version (port 0: no monitoring)
-//   commands:  grow BYTES | shrink | burn | cache BYTES | child PID | unchild PID | usage | quit
+//   commands:  grow BYTES | shrink | burn | cache BYTES | child PID | unchild PID | usage | pid | quit
+//
+// With the arguments "send PORT" it sends one datagram of each version, always with the same figures.
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -15,8 +17,9 @@
 #include <vector>
 
 #include "monitor/DieWithParent.h"
-#include "qilsys/QuillonException.h"
+#include "monitor/ResourceIpc.h"
 #include "qilsys/ResourceManager.h"
+#include "qilsys/TSystem.h"
 
 namespace {
 
@@ -80,6 +83,7 @@ class Host {
     if (command == "cache") Cache(number);
     if (command == "child") ResourceManager::RegisterChildProcessId(static_cast<unsigned int>(number));
     if (command == "unchild") ResourceManager::UnregisterChildProcessId(static_cast<unsigned int>(number));
+    if (command == "pid") Say("PID " + std::to_string(TSystem::ProcessID()));
     if (command == "usage") Say("USAGE " + std::to_string(ResourceManager::GetCpuAndMemoryUsage().second));
   }
 
@@ -104,10 +108,33 @@ class Host {
   std::vector<char> m_cache;
 };
 
+// Each byte of each figure is another.
+ResourceValuesV2 Sample() {
+  ResourceValuesV2 values;
+  values.pid = 0x04030201;
+  for (std::size_t i = 0; i < values.uuid.size(); ++i) values.uuid[i] = static_cast<std::uint8_t>(0xA0 + i);
+  values.memoryBytes = 0x1817161514131211;
+  values.memoryLimitPercent = 0x21;
+  values.cpuPercent = 0x22;
+  values.reportIntervalSeconds = 0x23;
+  return values;
+}
+
+void SendSamples(unsigned short port) {
+  ResourceIpc ipc(
+      port, [](const ResourceValuesV2&) {}, [](const TStringCore&) {}, nullptr);
+  ipc.Send(Sample());
+  ipc.Send(Narrow(Sample()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   qilsys::test::DieWithParent();
+  if (argc == 3 && std::string(argv[1]) == "send") {
+    SendSamples(static_cast<unsigned short>(std::stoul(argv[2])));
+    return 0;
+  }
   Host host;
   Say("READY");
   if (!host.Start(std::vector<std::string>(argv + 1, argv + argc))) return 3;
