@@ -11,6 +11,7 @@
 #include "monitor/MonitoredProcessImpl.h"
 #include "qilsys/QuillonException.h"
 #include "qilsys/TSystem.h"
+#include "support/OpenHandles.h"
 #include "support/System.h"
 
 struct MonitoredProcessForTest {
@@ -208,6 +209,30 @@ TEST(MonitoredProcessTest, AnEndedProcessCantBeWatchedReapedOrNot) {
   ExpectNotRunning([&] { MonitoredProcess process(pid); }, text);
   child.Reap();
   ExpectNotRunning([&] { MonitoredProcess process(pid); }, text);
+}
+
+TEST(MonitoredProcessTest, LeavesNothingOpen) {
+  const ChildProcess child;
+  ChildProcess ended;
+  ended.EndUnreaped();
+  const auto watch = [&] {
+    MonitoredProcess process(child.Pid());
+    process.GetCpuUsage();
+    process.GetMemoryUsage();
+    EXPECT_TRUE(process.IsRunning());
+    EXPECT_TRUE(MonitoredProcess::IsRunning(child.Pid()));
+    EXPECT_FALSE(MonitoredProcess::IsRunning(ended.Pid()));
+    EXPECT_THROW(MonitoredProcess{ended.Pid()}, QuillonException);
+    EXPECT_THROW(MonitoredProcess{0x7FFFFFFF}, QuillonException);
+    process = MonitoredProcess();
+    MonitoredProcess::IsCpuAtMaxFrequency();
+    GetProcessMemoryInfo(child.Handle());
+  };
+  // What the system opens at the first use stays.
+  watch();
+  const unsigned int before = OpenHandles();
+  for (int i = 0; i < 200; ++i) watch();
+  EXPECT_EQ(OpenHandles(), before);
 }
 
 bool AllZero(const ProcessMemoryInfo& info) {

@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "monitor/Loopback.h"
+#include "monitor/Scarcity.h"
 #include "support/Eventually.h"
+#include "support/OpenHandles.h"
 #include "support/System.h"
 
 namespace qilsys::test {
@@ -214,6 +216,55 @@ TEST(ResourceIpcTest, APortTakenByAStrangerIsABindFailure) {
     EXPECT_TRUE(IsPortTaken(error.code())) << error.code();
     EXPECT_EQ(std::string(error.what()).substr(0, 4), "bind");
   }
+}
+
+// Nothing can be sent to port 0, and any port is bound where 0 is asked for.
+TEST(ResourceIpcTest, AFailedSendThrowsAndListeningGoesOn) {
+  Listener listener(0);
+  const auto send = [&](const auto& values) {
+    try {
+      listener.Ipc().Send(values);
+      ADD_FAILURE() << "the datagram was sent";
+    } catch (const boost::system::system_error& error) {
+      EXPECT_TRUE(std::string(error.what()).starts_with("send_to: ")) << error.what();
+    }
+  };
+  send(Sample(1));
+  send(Narrow(Sample(1)));
+  EXPECT_TRUE(listener.Lines().empty());
+  listener.Destroy();
+  EXPECT_EQ(listener.Lines(), std::vector<std::string>{s_stopped});
+}
+
+TEST(ResourceIpcTest, AThreadThatCantBeStartedLeavesThePortFree) {
+  if (!NoThreads::CanBeHad()) GTEST_SKIP() << "left out on Windows: it has no means to refuse a thread";
+  const unsigned short port = FreePort();
+  try {
+    const NoThreads none;
+    const Listener listener(port);
+    ADD_FAILURE() << "the thread was started";
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(error.code(), std::errc::resource_unavailable_try_again);
+  }
+  const Stranger stranger(port);
+}
+
+TEST(ResourceIpcTest, LeavesNothingOpen) {
+  const auto run = [] {
+    const unsigned short port = FreePort();
+    {
+      Listener listener(port);
+      listener.Ipc().Send(Sample(1));
+      ASSERT_TRUE(listener.HasValues(1));
+    }
+    const Stranger stranger(port);
+    EXPECT_THROW(Listener{port}, boost::system::system_error);
+  };
+  // What the system opens at the first use stays.
+  run();
+  const unsigned int before = OpenHandles();
+  for (int i = 0; i < 20; ++i) run();
+  EXPECT_EQ(OpenHandles(), before);
 }
 
 /// The handler that a listening thread has when it takes its first datagram.

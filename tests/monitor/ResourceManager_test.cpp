@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <boost/system/system_error.hpp>
+#include <boost/uuid/entropy_error.hpp>
 #include <cmath>
 #include <mutex>
 #include <stdexcept>
@@ -14,10 +15,12 @@
 
 #include "monitor/ChildProcess.h"
 #include "monitor/Loopback.h"
+#include "monitor/Scarcity.h"
 #include "qilsys/QuillonException.h"
 #include "qilsys/TSystem.h"
 #include "support/CaughtAssertion.h"
 #include "support/Eventually.h"
+#include "support/OpenHandles.h"
 
 namespace qilsys::test {
 namespace {
@@ -240,6 +243,42 @@ TEST_F(ResourceManagerTest, AFailedStartStaysUntilStop) {
   EXPECT_TRUE(Eventually([] { return ResourceManager::GetCpuAndMemoryUsage().second > 0; }));
 }
 
+TEST_F(ResourceManagerTest, AStartWithoutRandomNumbersStartsNothing) {
+  {
+    const NoRandomNumbers none;
+    EXPECT_THROW(Start(), boost::uuids::entropy_error);
+  }
+  EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
+  EXPECT_TRUE(Lines().empty());
+  Start();
+  EXPECT_NE(ResourceManager::GetMemoryPressure(), -1.0);
+}
+
+TEST_F(ResourceManagerTest, AStartWithoutThreadsStaysUntilStop) {
+  if (!NoThreads::CanBeHad()) GTEST_SKIP() << "left out on Windows: it has no means to refuse a thread";
+  {
+    const NoThreads none;
+    EXPECT_THROW(Start(), std::system_error);
+  }
+  EXPECT_NE(ResourceManager::GetMemoryPressure(), -1.0);
+  ResourceManager::Stop();
+  EXPECT_EQ(Lines().back(), "Resource Manager: stopped");
+  EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
+}
+
+TEST_F(ResourceManagerTest, StoppedItLeavesNothingOpen) {
+  const auto run = [this] {
+    Start();
+    EXPECT_TRUE(Eventually([] { return ResourceManager::GetCpuAndMemoryUsage().second > 0; }));
+    ResourceManager::Stop();
+  };
+  // What the system opens at the first use stays.
+  run();
+  const unsigned int before = OpenHandles();
+  for (int i = 0; i < 5; ++i) run();
+  EXPECT_EQ(OpenHandles(), before);
+}
+
 TEST_F(ResourceManagerTest, StopOnTheWorkerThreadRaisesTheThreadError) {
   std::atomic<bool> started = false;
   std::atomic<bool> refused = false;
@@ -277,6 +316,23 @@ TEST(ResourceManagerDeathTest, AThrowOutOfAReclaimFunctionEndsInTheHandler) {
         Eventually([] { return false; });
       },
       testing::ExitedWithCode(19), "");
+}
+
+// Nothing can be sent to port 0.
+TEST(ResourceManagerDeathTest, AFailedSendEndsInTheHandler) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  EXPECT_EXIT(
+      {
+        ResourceManager::MemoryConfig memory;
+        memory.m_perProcessLimit = 1;
+        ResourceManager::GeneralConfig general;
+        general.m_logFunc = [](const TStringCore&) {};
+        general.m_terminateFunc = [](unsigned char, const TStringCore&) {};
+        general.m_terminateHandler = [] { std::_Exit(21); };
+        ResourceManager::Start(0, {}, memory, general);
+        Eventually([] { return false; });
+      },
+      testing::ExitedWithCode(21), "");
 }
 
 TEST(AdjustMemoryLimitTest, AnExplicitLimitIsTakenWhateverTheMachine) {

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <boost/uuid/entropy_error.hpp>
 #include <boost/uuid/uuid_io.hpp>
 #include <cstddef>
 #include <cstring>
+
+#include "monitor/Scarcity.h"
 
 namespace {
 
@@ -82,6 +85,12 @@ TEST(ResourceValuesTest, OwnRecordOfVersion1IsWhatOthersMakeOfIt) {
   EXPECT_EQ(+own.pid, 4660U);
   EXPECT_EQ(own.uuid, (ResourceIdentity{0x34, 0x12}));
   EXPECT_EQ(own.reportIntervalSeconds, 0);
+}
+
+TEST(ResourceValuesTest, NoRandomNumbersIsTheEntropyError) {
+  const qilsys::test::NoRandomNumbers none;
+  EXPECT_THROW(MakeOwnValues(ResourceValuesVersion::VER_2, 1, 1), boost::uuids::entropy_error);
+  EXPECT_THROW(MakeOwnValues(ResourceValuesVersion::VER_1, 1, 1), boost::uuids::entropy_error);
 }
 
 TEST(ResourceValuesTest, IntervalIsSentInItsLowByte) {
