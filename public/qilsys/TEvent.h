@@ -8,7 +8,8 @@
 /// | `TCancelEvent`    | `Reset`; signals its children    | leaves it set           | reference count |
 ///
 /// A set that is followed at once by a reset still releases every thread that was waiting, and no two signals of a
-/// TAutoResetEvent melt into one while threads wait. Waiting threads are released in the order of their arrival.
+/// TAutoResetEvent melt into one while threads wait. Waiting threads are released in the order of their arrival, as a
+/// rule on Windows, which doesn't promise it, and always elsewhere.
 ///
 /// Any thread may call any operation. An event must outlive every call on it: `Signal` runs callbacks after it has
 /// released the waiters, so a waiter that destroys the event must know that its signaller has returned, or each of
@@ -38,8 +39,8 @@ class QILSYS_API IEvent {
   virtual void Signal() const = 0;
   /// A wait of zero length: on a TAutoResetEvent a true result has taken the signal.
   virtual bool IsSet() const = 0;
-  /// Waits until the event is set: true, or false when the time has run out. 0xFFFFFFFF milliseconds or more means
-  /// without limit; a negative time is a logic assertion.
+  /// Waits until the event is set: true, or false when the time has run out, on Windows up to 16 milliseconds early.
+  /// 0xFFFFFFFF milliseconds or more means without limit; a negative time is a logic assertion.
   virtual bool Wait(std::chrono::milliseconds timeout) const = 0;
   /// Waits without limit. False only if the system can't wait.
   virtual bool Wait() const = 0;

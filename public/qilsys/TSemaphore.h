@@ -5,7 +5,8 @@
 #include "qilsys/ReferenceCount.h"
 
 /// Counts units from 0 to 0x7FFFFFFF. Any thread may take and give back; waiters get units in the order of their
-/// arrival. Failures raise QuillonException with the system's error number in the message.
+/// arrival, as a rule on Windows, which doesn't promise it. Failures raise QuillonException with the system's error
+/// number in the message.
 class QILSYS_API TSemaphore : public RefCntObject {
  public:
   TSemaphore(const TSemaphore&) = delete;
