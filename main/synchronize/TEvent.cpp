@@ -16,7 +16,7 @@ constexpr char s_file[] = "main/synchronize/TEvent";
 
 IEvent::~IEvent() = default;
 
-TEvent::TEvent(bool initiallySet) : m_base(std::make_unique<TEventBase>(TPlatformEvent::Kind::ManualReset)) {
+TEvent::TEvent(bool initiallySet) : m_base(std::make_unique<TEventBase>(TEventBase::Kind::ManualReset)) {
   if (initiallySet) {
     m_base->Signal();
   }
@@ -34,7 +34,7 @@ void TEvent::AddOnSignalCallback(void* key, std::function<void()> callback) cons
 }
 void TEvent::RemoveOnSignalCallback(void* key) const { m_base->RemoveOnSignalCallback(key); }
 
-TAutoResetEvent::TAutoResetEvent() : m_base(std::make_unique<TEventBase>(TPlatformEvent::Kind::AutoReset)) {}
+TAutoResetEvent::TAutoResetEvent() : m_base(std::make_unique<TEventBase>(TEventBase::Kind::AutoReset)) {}
 
 TAutoResetEvent::~TAutoResetEvent() = default;
 

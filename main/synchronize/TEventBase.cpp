@@ -7,6 +7,8 @@
 
 namespace {
 
+using qilsys::synchronize::TPlatformEvent;
+
 // Reports name the place by this path on every system.
 constexpr char s_file[] = "main/synchronize/TEventBase_win";
 
@@ -19,7 +21,7 @@ std::uint32_t PlatformTimeout(std::chrono::milliseconds timeout) {
 
 }  // namespace
 
-TEventBase::TEventBase(TPlatformEvent::Kind kind) : m_event(kind) {}
+TEventBase::TEventBase(Kind kind) : m_event(kind) {}
 
 TEventBase::TEventBase(TPlatformEvent::NotCreatedTag tag) : m_event(tag) {}
 

@@ -10,7 +10,10 @@
 
 class TEventBase {
  public:
-  explicit TEventBase(TPlatformEvent::Kind kind);
+  using TPlatformEvent = qilsys::synchronize::TPlatformEvent;
+  using Kind = TPlatformEvent::Kind;
+
+  explicit TEventBase(Kind kind);
   /// A base whose event could not be created.
   explicit TEventBase(TPlatformEvent::NotCreatedTag);
   TEventBase(const TEventBase&) = delete;

@@ -1,3 +1,4 @@
+// The Windows sibling wraps the system's own events.
 #include "synchronize/TEventBase_platform.h"
 
 #ifndef __linux__
@@ -9,14 +10,8 @@
 
 #include "synchronize/TWaitQueue.h"
 
+namespace qilsys::synchronize {
 namespace {
-
-using qilsys::synchronize::FutexResult;
-using qilsys::synchronize::TDeadline;
-using qilsys::synchronize::TFutexGuard;
-using qilsys::synchronize::TFutexLock;
-using qilsys::synchronize::TWaiter;
-using qilsys::synchronize::TWaitQueue;
 
 // A lone flag would lose the second of two sets before a waiter has run, and a set followed by a reset would release
 // nobody; so each set takes those that it releases out of the queue.
@@ -123,3 +118,5 @@ unsigned int TPlatformEvent::WaitersForTest() {
   const TFutexGuard guard(event.m_lock);
   return event.m_waiters.SizeForTest();
 }
+
+}  // namespace qilsys::synchronize

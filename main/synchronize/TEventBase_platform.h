@@ -5,6 +5,8 @@
 
 #include "synchronize/TOpaqueStorage.h"
 
+namespace qilsys::synchronize {
+
 /// An unnamed event, unset at first. Operations that fail return false and leave the reason as the thread's last
 /// error, which TSystem::GetLastErrorString reads.
 ///
@@ -37,5 +39,7 @@ class TPlatformEvent {
   unsigned int WaitersForTest();
 
  private:
-  qilsys::synchronize::TOpaqueStorage<32> m_event;
+  TOpaqueStorage<32> m_event;
 };
+
+}  // namespace qilsys::synchronize

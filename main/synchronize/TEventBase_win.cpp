@@ -1,4 +1,4 @@
-// The sibling is TEventBase_linux.cpp.
+// The Linux sibling makes events of a queue of waiting threads.
 #include "synchronize/TEventBase_platform.h"
 
 #ifndef _WIN32
@@ -7,7 +7,7 @@
 
 #include "synchronize/TWaitable_win.h"
 
-using qilsys::synchronize::TWaitable;
+namespace qilsys::synchronize {
 
 // Not checked: a null handle makes every other operation fail.
 TPlatformEvent::TPlatformEvent(Kind kind) {
@@ -29,3 +29,5 @@ bool TPlatformEvent::Wait(std::uint32_t milliseconds) {
 }
 
 unsigned int TPlatformEvent::WaitersForTest() { return m_event.As<TWaitable>().WaitersForTest(); }
+
+}  // namespace qilsys::synchronize

@@ -7,6 +7,9 @@
 #include "synchronize/SynchronizeForTest.h"
 #include "synchronize/TLocks_platform.h"
 
+using qilsys::synchronize::TConditionVariable;
+using qilsys::synchronize::TCriticalSection;
+
 namespace {
 
 constexpr char s_file[] = "main/synchronize/TLocks";

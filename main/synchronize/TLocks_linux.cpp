@@ -1,3 +1,4 @@
+// The Windows sibling wraps the system's own critical sections and condition variables.
 #include "synchronize/TLocks_platform.h"
 
 #ifndef __linux__
@@ -9,14 +10,8 @@
 
 #include "synchronize/TWaitQueue.h"
 
+namespace qilsys::synchronize {
 namespace {
-
-using qilsys::synchronize::FutexResult;
-using qilsys::synchronize::TDeadline;
-using qilsys::synchronize::TFutexGuard;
-using qilsys::synchronize::TFutexLock;
-using qilsys::synchronize::TWaiter;
-using qilsys::synchronize::TWaitQueue;
 
 // Not a recursive mutex of the C library: one that was locked twice stays locked during a wait on a condition.
 //
@@ -123,3 +118,5 @@ unsigned int TConditionVariable::SleepersForTest() noexcept {
   const TFutexGuard guard(condition.m_lock);
   return condition.m_sleepers.SizeForTest();
 }
+
+}  // namespace qilsys::synchronize

@@ -3,6 +3,8 @@
 
 #include "synchronize/TOpaqueStorage.h"
 
+namespace qilsys::synchronize {
+
 /// A mutex that its thread may enter again and must leave as many times. A thread that finds it taken looks 4000 times
 /// before it sleeps, on machines with more than one processor.
 class TCriticalSection {
@@ -22,7 +24,7 @@ class TCriticalSection {
  private:
   friend class TConditionVariable;
 
-  qilsys::synchronize::TOpaqueStorage<48> m_section;
+  TOpaqueStorage<48> m_section;
 };
 
 /// Threads that sleep until something has changed; each tests its condition again when it wakes.
@@ -44,5 +46,7 @@ class TConditionVariable {
   unsigned int SleepersForTest() noexcept;
 
  private:
-  qilsys::synchronize::TOpaqueStorage<32> m_condition;
+  TOpaqueStorage<32> m_condition;
 };
+
+}  // namespace qilsys::synchronize

@@ -1,4 +1,4 @@
-// The sibling is TLocks_linux.cpp.
+// The Linux sibling makes both of a futex and a queue of waiting threads.
 #include "synchronize/TLocks_platform.h"
 
 #ifndef _WIN32
@@ -10,9 +10,8 @@
 #include "synchronize/LockCount_win.h"
 #include "synchronize/TWaitable_win.h"
 
+namespace qilsys::synchronize {
 namespace {
-
-using qilsys::synchronize::MayWait;
 
 constexpr DWORD s_spinCount = 4000;
 
@@ -63,7 +62,7 @@ bool TCriticalSection::IsContendedForTest() const noexcept {
   const CRITICAL_SECTION& section = m_section.As<Section>().m_section;
   const volatile LONG& lockCount = section.LockCount;
   const volatile LONG& entries = section.RecursionCount;
-  return qilsys::synchronize::HasWaiters(lockCount, entries);
+  return HasWaiters(lockCount, entries);
 }
 
 TConditionVariable::TConditionVariable() { m_condition.Construct<Condition>(); }
@@ -96,3 +95,5 @@ void TConditionVariable::WakeOne() noexcept { WakeConditionVariable(&m_condition
 unsigned int TConditionVariable::SleepersForTest() noexcept {
   return m_condition.As<Condition>().m_sleepers.load(std::memory_order_relaxed);
 }
+
+}  // namespace qilsys::synchronize

@@ -10,6 +10,8 @@
 
 namespace {
 
+using qilsys::synchronize::TPlatformSemaphore;
+
 constexpr std::uint32_t s_maximum = 0x7FFFFFFF;
 
 // The last error comes first: building the texts could change it.

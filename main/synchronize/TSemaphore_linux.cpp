@@ -1,3 +1,4 @@
+// The Windows sibling wraps the system's own semaphores.
 #include "synchronize/TSemaphore_platform.h"
 
 #ifndef __linux__
@@ -8,14 +9,9 @@
 
 #include "synchronize/TWaitQueue.h"
 
+namespace qilsys::synchronize {
 namespace {
 
-using qilsys::synchronize::FutexResult;
-using qilsys::synchronize::TDeadline;
-using qilsys::synchronize::TFutexGuard;
-using qilsys::synchronize::TFutexLock;
-using qilsys::synchronize::TWaiter;
-using qilsys::synchronize::TWaitQueue;
 using WaitResult = TPlatformSemaphore::WaitResult;
 
 // Not the semaphore of the C library: its maximum is not ours to choose, and it lets a thread that comes along take
@@ -104,3 +100,5 @@ unsigned int TPlatformSemaphore::WaitersForTest() {
   const TFutexGuard guard(semaphore.m_lock);
   return semaphore.m_waiters.SizeForTest();
 }
+
+}  // namespace qilsys::synchronize

@@ -5,6 +5,8 @@
 
 #include "synchronize/TOpaqueStorage.h"
 
+namespace qilsys::synchronize {
+
 /// A count of units. Operations that fail leave the reason as the thread's last error.
 class TPlatformSemaphore {
  public:
@@ -32,5 +34,7 @@ class TPlatformSemaphore {
   unsigned int WaitersForTest();
 
  private:
-  qilsys::synchronize::TOpaqueStorage<32> m_semaphore;
+  TOpaqueStorage<32> m_semaphore;
 };
+
+}  // namespace qilsys::synchronize

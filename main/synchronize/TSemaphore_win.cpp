@@ -1,4 +1,4 @@
-// The sibling is TSemaphore_linux.cpp.
+// The Linux sibling makes semaphores of a queue of waiting threads.
 #include "synchronize/TSemaphore_platform.h"
 
 #ifndef _WIN32
@@ -7,7 +7,8 @@
 
 #include "synchronize/TWaitable_win.h"
 
-using qilsys::synchronize::TWaitable;
+namespace qilsys::synchronize {
+
 using WaitResult = TPlatformSemaphore::WaitResult;
 
 TPlatformSemaphore::TPlatformSemaphore() { m_semaphore.Construct<TWaitable>(nullptr); }
@@ -38,3 +39,5 @@ bool TPlatformSemaphore::Release() { return ReleaseSemaphore(m_semaphore.As<TWai
 unsigned int TPlatformSemaphore::LastError() { return GetLastError(); }
 
 unsigned int TPlatformSemaphore::WaitersForTest() { return m_semaphore.As<TWaitable>().WaitersForTest(); }
+
+}  // namespace qilsys::synchronize

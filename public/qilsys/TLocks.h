@@ -14,7 +14,9 @@
 
 #include "qilsys/Export.h"
 
+namespace qilsys::synchronize {
 class TCriticalSection;
+}
 
 /// A mutex that its owning thread may lock again and must unlock as many times, on that thread.
 class QILSYS_API TRecursiveMutex {
@@ -37,7 +39,7 @@ class QILSYS_API TRecursiveMutex {
  private:
   friend struct SynchronizeForTest;
 
-  std::unique_ptr<TCriticalSection> m_section;
+  std::unique_ptr<qilsys::synchronize::TCriticalSection> m_section;
 };
 
 /// Many readers or one writer. Readers pass writers that wait, so a steady stream of readers can keep a writer out for

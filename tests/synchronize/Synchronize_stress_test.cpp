@@ -20,6 +20,7 @@
 namespace {
 
 using namespace std::chrono_literals;
+using qilsys::synchronize::TPlatformEvent;
 using qilsys::test::Latch;
 using qilsys::test::Rounds;
 using qilsys::test::SeededRandom;

@@ -15,6 +15,7 @@
 namespace {
 
 using namespace std::chrono_literals;
+using qilsys::synchronize::TPlatformEvent;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;

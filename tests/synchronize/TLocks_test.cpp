@@ -18,6 +18,8 @@
 
 namespace {
 
+using qilsys::synchronize::TConditionVariable;
+using qilsys::synchronize::TCriticalSection;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;
