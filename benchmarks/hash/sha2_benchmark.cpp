@@ -1,11 +1,11 @@
-// What does a digest cost, of a short message and of a long one? The system's own library stands beside as the
-// measure. On a machine that does other work too, take the least of many repetitions.
+// What does a digest cost, of a short message and of a long one? The system's own library stands beside as the measure.
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
+#include "SideBySide.h"
 #include "hash/ShaTransform.h"
 #include "qilsys/sha2.h"
 #include "support/PeerDigest.h"
@@ -24,39 +24,43 @@ std::string Raw(const sha2& digest) {
   return {raw, raw + length};
 }
 
-void Ours(benchmark::State& state, const qilsys::hash::ShaTransforms* transforms, sha2::SHA_TYPE type) {
-  qilsys::hash::ChooseShaTransformsForTest(transforms);
-  const auto message = Message(static_cast<std::size_t>(state.range(0)));
+bool IsRight(benchmark::State& state, sha2::SHA_TYPE type, const std::vector<unsigned char>& message) {
   sha2 digest;
   digest.GetHash(type, message.data(), message.size());
-  if (Raw(digest) != qilsys::test::PeerDigest(type, message.data(), message.size())) {
-    state.SkipWithError("the digest is wrong");
-  }
-  for (auto _ : state) benchmark::DoNotOptimize(digest.GetHash(type, message.data(), message.size()).data());
-  state.SetBytesProcessed(state.iterations() * state.range(0));
-  qilsys::hash::ChooseShaTransformsForTest(nullptr);
+  const bool right = Raw(digest) == qilsys::test::PeerDigest(type, message.data(), message.size());
+  if (!right) state.SkipWithError("the digest is wrong");
+  return right;
 }
 
-void Peer(benchmark::State& state, sha2::SHA_TYPE type) {
+void BesidePeer(benchmark::State& state, sha2::SHA_TYPE type) {
   const auto message = Message(static_cast<std::size_t>(state.range(0)));
-  unsigned char digest[qilsys::test::MostDigestBytes];
-  for (auto _ : state) {
-    qilsys::test::PeerDigest(type, message.data(), message.size(), digest);
-    benchmark::DoNotOptimize(digest);
-  }
-  state.SetBytesProcessed(state.iterations() * state.range(0));
+  if (!IsRight(state, type, message)) return;
+  sha2 digest;
+  unsigned char peer[qilsys::test::MostDigestBytes];
+  qilsys::benchmarks::SideBySide(
+      state, message.size(),
+      [&] { benchmark::DoNotOptimize(digest.GetHash(type, message.data(), message.size()).data()); },
+      [&] {
+        qilsys::test::PeerDigest(type, message.data(), message.size(), peer);
+        benchmark::DoNotOptimize(peer);
+      });
+}
+
+void Form(benchmark::State& state, const qilsys::hash::ShaTransforms* transforms, sha2::SHA_TYPE type) {
+  qilsys::hash::ChooseShaTransformsForTest(transforms);
+  BesidePeer(state, type);
+  qilsys::hash::ChooseShaTransformsForTest(nullptr);
 }
 
 void Register(sha2::SHA_TYPE type) {
   sha2 digest;
   digest.Init(type);
   const std::string name = digest.GetTypeString();
-  const auto sizes = [](benchmark::internal::Benchmark* b) { b->Arg(16)->Arg(256)->Arg(64 * 1024); };
-  sizes(benchmark::RegisterBenchmark((qilsys::test::PeerName(type) + ("/" + name)).c_str(), Peer, type));
-  sizes(benchmark::RegisterBenchmark(("sha2/" + name).c_str(), Ours, nullptr, type));
+  const std::string beside = "sha2/" + name + "/beside " + qilsys::test::PeerName(type);
+  benchmark::RegisterBenchmark(beside.c_str(), BesidePeer, type)->Arg(16)->Arg(256)->Arg(64 * 1024);
   for (const auto& transforms : qilsys::hash::AvailableShaTransforms()) {
-    const std::string full = "forms/" + name + "/" + transforms.name;
-    benchmark::RegisterBenchmark(full.c_str(), Ours, &transforms, type)->Arg(64 * 1024);
+    const std::string form = "forms/" + name + "/" + transforms.name;
+    benchmark::RegisterBenchmark(form.c_str(), Form, &transforms, type)->Arg(64 * 1024);
   }
 }
 
