@@ -11,39 +11,35 @@
 
 namespace qilsys::benchmarks {
 
-class Slices {
- public:
-  explicit Slices(std::size_t calls) : m_calls(calls) {}
+/// The nanoseconds that `count` calls take.
+template <class Call>
+double Take(std::size_t count, const Call& call) {
+  const auto start = std::chrono::steady_clock::now();
+  for (std::size_t i = 0; i < count; ++i) call();
+  return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
+}
 
-  template <class Call>
-  void Measure(const Call& call) {
-    const auto start = std::chrono::steady_clock::now();
-    for (std::size_t i = 0; i < m_calls; ++i) call();
-    const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
-    m_least = std::min(m_least, taken.count() / static_cast<double>(m_calls));
-  }
+/// So many calls that the clock's own step is small beside them, and few enough to pass between two disturbances.
+template <class Call>
+std::size_t CallsOfSlice(const Call& call) {
+  constexpr double SliceNanoseconds = 50'000;
+  std::size_t count = 1;
+  while (Take(count, call) < SliceNanoseconds) count *= 2;
+  return count;
+}
 
-  double Least() const { return m_least; }
-
- private:
-  const std::size_t m_calls;
-  double m_least = std::numeric_limits<double>::infinity();
-};
-
-/// Reports the least nanoseconds of one call each, and ours by the peer's. `bytes` is what a call reads.
+/// Reports the least nanoseconds of one call each, and ours by the peer's.
 template <class Ours, class Peer>
-void SideBySide(benchmark::State& state, std::size_t bytes, const Ours& ours, const Peer& peer) {
-  constexpr std::size_t SliceBytes = 64 * 1024;
-  // What a message costs apart from its bytes is as much as some hundred of these.
-  const std::size_t calls = std::max<std::size_t>(1, SliceBytes / (bytes + 512));
-  Slices ourSlices(calls), peerSlices(calls);
+void SideBySide(benchmark::State& state, const Ours& ours, const Peer& peer) {
+  const std::size_t count = CallsOfSlice(ours);
+  double ourLeast = std::numeric_limits<double>::infinity(), peerLeast = ourLeast;
   for (auto _ : state) {
-    ourSlices.Measure(ours);
-    peerSlices.Measure(peer);
+    ourLeast = std::min(ourLeast, Take(count, ours));
+    peerLeast = std::min(peerLeast, Take(count, peer));
   }
-  state.counters["ours_ns"] = ourSlices.Least();
-  state.counters["peer_ns"] = peerSlices.Least();
-  state.counters["ratio"] = ourSlices.Least() / peerSlices.Least();
+  state.counters["ours_ns"] = ourLeast / static_cast<double>(count);
+  state.counters["peer_ns"] = peerLeast / static_cast<double>(count);
+  state.counters["ratio"] = ourLeast / peerLeast;
 }
 
 }  // namespace qilsys::benchmarks

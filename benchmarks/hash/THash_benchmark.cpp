@@ -128,7 +128,7 @@ void Beside(benchmark::State& state, Hash<Result> ours, Hash<Result> published) 
   const char* data = message.data();
   if (ours(data, message.size()) != published(data, message.size())) state.SkipWithError("the hash is wrong");
   qilsys::benchmarks::SideBySide(
-      state, message.size(), [&] { benchmark::DoNotOptimize(ours(data, message.size())); },
+      state, [&] { benchmark::DoNotOptimize(ours(data, message.size())); },
       [&] { benchmark::DoNotOptimize(published(data, message.size())); });
 }
 

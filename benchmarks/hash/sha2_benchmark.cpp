@@ -38,8 +38,7 @@ void BesidePeer(benchmark::State& state, sha2::SHA_TYPE type) {
   sha2 digest;
   unsigned char peer[qilsys::test::MostDigestBytes];
   qilsys::benchmarks::SideBySide(
-      state, message.size(),
-      [&] { benchmark::DoNotOptimize(digest.GetHash(type, message.data(), message.size()).data()); },
+      state, [&] { benchmark::DoNotOptimize(digest.GetHash(type, message.data(), message.size()).data()); },
       [&] {
         qilsys::test::PeerDigest(type, message.data(), message.size(), peer);
         benchmark::DoNotOptimize(peer);

@@ -17,6 +17,9 @@ constexpr size_t StateWords = 12;
 constexpr size_t BlockBytes = StateWords * sizeof(uint64_t);
 constexpr size_t ShortLimit = 2 * BlockBytes;
 
+// Where the last of a word's bytes in memory stands in its value.
+constexpr int LastByteShift = std::endian::native == std::endian::little ? 56 : 0;
+
 uint64_t Word(const unsigned char* bytes) { return ReadNative<uint64_t>(bytes); }
 
 /// The four words of the form for short messages.
@@ -120,8 +123,18 @@ class LongState {
     }
   }
 
-  Hash128 End(const unsigned char* block) {
-    for (size_t i = 0; i < StateWords; ++i) m_words[i] += Word(block + 8 * i);
+  /// Takes in what is less than a block, as if zeros filled it up, but for the last byte, which is its length.
+  Hash128 End(const unsigned char* data, size_t length) {
+    // Words chosen at run time stand in memory, so they are not the state's own, which is to stand in registers.
+    uint64_t words[StateWords];
+    QILSYS_UNROLL(12)
+    for (size_t i = 0; i < StateWords; ++i) words[i] = m_words[i];
+    const size_t whole = length / sizeof(uint64_t);
+    for (size_t i = 0; i < whole; ++i) words[i] += Word(data + 8 * i);
+    if (length % 8 != 0) words[whole] += PartialWord(data + 8 * whole, length % 8);
+    QILSYS_UNROLL(12)
+    for (size_t i = 0; i < StateWords; ++i) m_words[i] = words[i];
+    m_words[StateWords - 1] += uint64_t{length} << LastByteShift;
     for (int round = 0; round < 3; ++round) EndRound();
     return {m_words[0], m_words[1]};
   }
@@ -145,10 +158,7 @@ class LongState {
 Hash128 HashLong(const unsigned char* data, size_t length, uint64_t seed1, uint64_t seed2) {
   LongState state(seed1, seed2);
   for (; length >= BlockBytes; length -= BlockBytes, data += BlockBytes) state.Mix(data);
-  unsigned char last[BlockBytes] = {};
-  std::memcpy(last, data, length);
-  last[BlockBytes - 1] = static_cast<unsigned char>(length);
-  return state.End(last);
+  return state.End(data, length);
 }
 
 }  // namespace
