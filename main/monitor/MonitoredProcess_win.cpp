@@ -115,6 +115,7 @@ std::vector<ProcessorClock> ReadProcessorClocks() {
   const auto bytes = static_cast<ULONG>(table.size() * sizeof(ProcessorPowerInformation));
   if (CallNtPowerInformation(ProcessorInformation, nullptr, 0, table.data(), bytes) != 0) return {};
   std::vector<ProcessorClock> clocks;
+  clocks.reserve(table.size());
   for (const ProcessorPowerInformation& entry : table) clocks.push_back({entry.m_currentMhz, entry.m_maxMhz});
   return clocks;
 }
