@@ -84,6 +84,19 @@ int ToLength(size_t length) {
   return static_cast<int>(length);
 }
 
+/// A template, so that only the branch of this platform has to make sense.
+template <class W>
+std::basic_string<W> WideText(const TCodeUnit* text, size_t length) {
+  if constexpr (ForeignUnit<W>) {
+    const int units = ToLength(length);
+    std::basic_string<W> result(length, W{});
+    result.resize(static_cast<size_t>(StoreElements(text, units, result.data(), units)));
+    return result;
+  } else {
+    return {text, length};
+  }
+}
+
 }  // namespace
 
 int LengthInCodePoints(const TCodeUnit* text, int start, int end) { return CountCodePoints(text, start, end); }
@@ -134,15 +147,7 @@ std::u16string toStdU16String(const TCodeUnit* text, size_t length) {
 }
 
 std::wstring toStdWString(const TCodeUnit* text, size_t length) {
-  if (ShowsNothing(text, length)) return {};
-  if constexpr (sizeof(wchar_t) == sizeof(TCodeUnit)) {
-    return std::wstring(text, text + length);
-  } else {
-    const int units = ToLength(length);
-    std::wstring result(length, L'\0');
-    result.resize(static_cast<size_t>(StoreElements(text, units, result.data(), units)));
-    return result;
-  }
+  return ShowsNothing(text, length) ? std::wstring() : WideText<wchar_t>(text, length);
 }
 
 template <ForeignUnit U>

@@ -10,11 +10,11 @@
 #pragma once
 
 #include <concepts>
-#include <type_traits>
+#include <cwchar>
 
 #include "qilsys/Export.h"
 
-#if __WCHAR_MAX__ > 0xFFFF
+#if WCHAR_MAX > 0xFFFF
 using TCodeUnit = char16_t;
 using TForeignUnit = wchar_t;
 #else

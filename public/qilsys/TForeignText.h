@@ -84,9 +84,10 @@ class QILSYS_API TForeignBuffer {
 };
 
 /// The unit of one foreign element; U+FFFD where it would need two.
-inline TCodeUnit ForeignToUnit(TForeignUnit c) noexcept {
-  if constexpr (sizeof(TForeignUnit) > sizeof(TCodeUnit)) {
-    return static_cast<unsigned long>(c) > 0xFFFF ? TCodeUnit{0xFFFD} : static_cast<TCodeUnit>(c);
+template <ForeignUnit U>
+TCodeUnit ForeignToUnit(U c) noexcept {
+  if constexpr (sizeof(U) > sizeof(TCodeUnit)) {
+    return static_cast<char32_t>(c) > 0xFFFF ? TCodeUnit{0xFFFD} : static_cast<TCodeUnit>(c);
   } else {
     return static_cast<TCodeUnit>(c);
   }
