@@ -2,19 +2,32 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <numbers>
+#include <system_error>
 
 namespace {
 
 constexpr std::array s_powersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                       1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
+// The double that is nearest to the power. Not every runtime's `pow` gives it: off by its last bit, 0.01 makes 1200 of
+// 1234 by way of 1199.9999999999998.
+double NearestPower(short exponent) {
+  std::array<char, 8> text = {'1', 'e'};
+  char* const end = std::to_chars(text.data() + 2, text.data() + text.size(), exponent).ptr;
+  double power = 0;
+  const auto read = std::from_chars(text.data(), end, power);
+  if (read.ec == std::errc()) return power;
+  return exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+}
+
 double PowerOfTen(short exponent) {
   const bool isUsual = 0 <= exponent && exponent < static_cast<int>(s_powersOfTen.size());
-  return isUsual ? s_powersOfTen[static_cast<std::size_t>(exponent)] : std::pow(10.0, exponent);
+  return isUsual ? s_powersOfTen[static_cast<std::size_t>(exponent)] : NearestPower(exponent);
 }
 
 }  // namespace

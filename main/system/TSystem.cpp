@@ -50,8 +50,6 @@ unsigned int TSystem::AppUpTime() {
   return static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<double>(count) * s_factor));
 }
 
-TStringCore TSystem::GetLastErrorString() {
-  return qilsys::ErrorText(qilsys::LastErrorNumber());
-}
+TStringCore TSystem::GetLastErrorString() { return qilsys::ErrorText(qilsys::LastErrorNumber()); }
 
 TStringCore TSystem::unmangleClassName(char const* name) { return TStringCore::fromUtf8(name); }

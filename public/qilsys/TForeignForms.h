@@ -8,6 +8,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <type_traits>
 #include <vector>
 
 #include "qilsys/TCodeUnit.h"
@@ -17,6 +18,17 @@
 template <class TString>
 class TConstCodePointIterator;
 
+template <class A>
+concept ForeignPointer =
+    std::is_pointer_v<std::decay_t<A>> && ForeignUnit<std::remove_cv_t<std::remove_pointer_t<std::decay_t<A>>>>;
+
+template <class A>
+concept TextPointer = ForeignPointer<A> || std::is_convertible_v<const A&, const TCodeUnit*>;
+
+/// Two texts of which at least one is foreign. The other may be native, a string or a literal `nullptr`.
+template <class A, class B>
+concept ForeignTexts = TextPointer<A> && TextPointer<B> &&(ForeignPointer<A> || ForeignPointer<B>);
+
 /// A base of `S`, the string; it brings the forms in by using-declarations. Templates on the unit type, and not plain
 /// overloads: a literal `nullptr` can then mean nothing but the native form.
 template <class S>
@@ -24,6 +36,27 @@ class TForeignForms : public TStringOptions {
   using Iterator = TConstCodePointIterator<S>;
   using List = std::vector<S>;
   using Source = TForeignText;
+
+  /// A native text beside a foreign one, in the manner of TForeignText.
+  class NativeText {
+   public:
+    explicit NativeText(const TCodeUnit* s, int len = -1) noexcept : m_units(s), m_length(len) {}
+    static int Measure(const TCodeUnit* s, int limit = -1) {
+      int n = 0;
+      while (s && n < limit && s[n] != 0) ++n;
+      return limit < 0 ? S::length(s) : n;
+    }
+    const TCodeUnit* data() const noexcept { return m_units; }
+    int length() const { return m_length < 0 ? S::length(m_units) : m_length; }
+    int UnitIndex(int index) const noexcept { return index; }
+    int ElementIndex(int index) const noexcept { return index; }
+
+   private:
+    const TCodeUnit* m_units;
+    int m_length;
+  };
+  template <class A>
+  using TextOf = std::conditional_t<ForeignPointer<A>, TForeignText, NativeText>;
 
   S& self() noexcept { return static_cast<S&>(*this); }
   const S& self() const noexcept { return static_cast<const S&>(*this); }
@@ -77,34 +110,39 @@ class TForeignForms : public TStringOptions {
   int compare(const U* other, CaseSensitivity cs = CaseSensitive) const {
     return self().compare(Source(other).data(), cs);
   }
-  template <ForeignUnit U>
-  static int compare(const U* a, const U* b, CaseSensitivity cs = CaseSensitive) {
-    return S::compare(Source(a).data(), Source(b).data(), cs);
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static int compare(const A& a, const B& b, CaseSensitivity cs = CaseSensitive) {
+    return S::compare(TextOf<A>(a).data(), TextOf<B>(b).data(), cs);
   }
-  template <ForeignUnit U>
-  static int compareN(const U* a, const U* b, int n, CaseSensitivity cs = CaseSensitive) {
-    return S::compare(Source(a, Source::Measure(a, n)).data(), Source(b, Source::Measure(b, n)).data(), cs);
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static int compareN(const A& a, const B& b, int n, CaseSensitivity cs = CaseSensitive) {
+    return S::compare(FirstOf(a, n).constData(), FirstOf(b, n).constData(), cs);
   }
 
   // ---- Search
 
-  template <ForeignUnit U>
-  static int findStr(const U* hay, int hayLen, const U* needle, int needleLen, int start,
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static int findStr(const A& hay, int hayLen, const B& needle, int needleLen, int start,
                      CaseSensitivity cs = CaseSensitive) {
     if (hayLen < 0) return -1;
-    const Source text(hay, hayLen);
+    const TextOf<A> text(hay, hayLen);
     // The first element counts even where the length does not reach it.
-    const Source sought(needle, needleLen < 1 ? 1 : needleLen);
+    const TextOf<B> sought(needle, needleLen < 1 ? 1 : needleLen);
     return text.ElementIndex(S::findStr(text.data(), text.length(), sought.data(),
                                         needleLen < 1 ? needleLen : sought.length(), text.UnitIndex(start), cs));
   }
-  template <ForeignUnit U>
-  static int findStr(const U* hay, int hayLen, const U* needle, int start = 0, CaseSensitivity cs = CaseSensitive) {
-    return findStr(hay, hayLen, needle, Source::Measure(needle), start, cs);
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static int findStr(const A& hay, int hayLen, const B& needle, int start = 0, CaseSensitivity cs = CaseSensitive) {
+    return findStr(hay, hayLen, needle, TextOf<B>::Measure(needle), start, cs);
   }
-  template <ForeignUnit U>
-  static int findStr(const U* hay, const U* needle, int start = 0, CaseSensitivity cs = CaseSensitive) {
-    return findStr(hay, Source::Measure(hay), needle, start, cs);
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static int findStr(const A& hay, const B& needle, int start = 0, CaseSensitivity cs = CaseSensitive) {
+    return findStr(hay, TextOf<A>::Measure(hay), needle, start, cs);
   }
   template <ForeignUnit U>
   int indexOf(const U* needle, int start = 0, CaseSensitivity cs = CaseSensitive) const {
@@ -114,9 +152,9 @@ class TForeignForms : public TStringOptions {
   int indexOf(U c, int start = 0) const {
     return TForeignText(c).Visit([&](auto sought) { return self().indexOf(sought, start); });
   }
-  template <ForeignUnit U>
-  static int indexOf(const U* s, int len, U c, int start = 0) {
-    const Source text(s, len);
+  template <TextPointer A, ForeignUnit U>
+  static int indexOf(const A& s, int len, U c, int start = 0) {
+    const TextOf<A> text(s, len);
     return TForeignText(c).Visit(
         [&](auto sought) { return text.ElementIndex(indexIn(text, sought, text.UnitIndex(start))); });
   }
@@ -188,13 +226,14 @@ class TForeignForms : public TStringOptions {
   int findOneOf(const U* set, int start = 0) const {
     return self().findOneOf(Source(set).data(), start);
   }
-  template <ForeignUnit U>
-  static int findOneOf(const U* text, const U* set, int start = 0) {
-    const Source hay(text);
-    return hay.ElementIndex(S::findOneOf(hay.data(), Source(set).data(), hay.UnitIndex(start)));
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static int findOneOf(const A& text, const B& set, int start = 0) {
+    const TextOf<A> hay(text);
+    return hay.ElementIndex(S::findOneOf(hay.data(), TextOf<B>(set).data(), hay.UnitIndex(start)));
   }
-  template <ForeignUnit U>
-  static int findChar(const U* text, U c, int start = 0) {
+  template <TextPointer A, ForeignUnit U>
+  static int findChar(const A& text, U c, int start = 0) {
     const U set[] = {c, U{}};
     return findOneOf(text, set, start);
   }
@@ -206,14 +245,15 @@ class TForeignForms : public TStringOptions {
   int findOneNotOf(U c, int start = 0) const {
     return TForeignText(c).Visit([&](auto set) { return self().findOneNotOf(set, start); });
   }
-  template <ForeignUnit U>
-  static int findOneNotOf(const U* text, const U* set, int start = 0) {
-    const Source hay(text);
-    return hay.ElementIndex(S::findOneNotOf(hay.data(), Source(set).data(), hay.UnitIndex(start)));
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static int findOneNotOf(const A& text, const B& set, int start = 0) {
+    const TextOf<A> hay(text);
+    return hay.ElementIndex(S::findOneNotOf(hay.data(), TextOf<B>(set).data(), hay.UnitIndex(start)));
   }
-  template <ForeignUnit U>
-  static int findOneNotOf(const U* text, U c) {
-    const Source hay(text);
+  template <TextPointer A, ForeignUnit U>
+  static int findOneNotOf(const A& text, U c) {
+    const TextOf<A> hay(text);
     return TForeignText(c).Visit([&](auto set) { return hay.ElementIndex(S::findOneNotOf(hay.data(), set)); });
   }
 
@@ -296,20 +336,26 @@ class TForeignForms : public TStringOptions {
     const TForeignText from(before);
     return self().replace(from.data(), from.length(), after.data(), after.length());
   }
-  template <ForeignUnit U>
-  S& replace(const U* before, int beforeLen, const U* after, int afterLen, CaseSensitivity cs = CaseSensitive) {
+  template <class A, class B>
+  requires ForeignTexts<A, B> S& replace(const A& before, int beforeLen, const B& after, int afterLen,
+                                         CaseSensitivity cs = CaseSensitive) {
     replaceCount(before, beforeLen, after, afterLen, cs);
     return self();
   }
-  template <ForeignUnit U>
-  int replaceCount(const U* before, int beforeLen, const U* after, int afterLen, CaseSensitivity cs = CaseSensitive) {
-    const Source from(before, beforeLen < 0 ? 0 : beforeLen);
-    const Source to(after, afterLen < 0 ? 0 : afterLen);
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  int replaceCount(const A& before, int beforeLen, const B& after, int afterLen, CaseSensitivity cs = CaseSensitive) {
+    const TextOf<A> from(before, beforeLen < 0 ? 0 : beforeLen);
+    const TextOf<B> to(after, afterLen < 0 ? 0 : afterLen);
     return self().replaceCount(from.data(), from.length(), to.data(), to.length(), cs);
   }
   template <ForeignUnit U>
   S& replaceAnyOf(const U* set, U c, int start = 0) {
     return self().replaceAnyOf(Source(set).data(), ForeignToUnit(c), start);
+  }
+  template <ForeignUnit U>
+  S& replaceAnyOf(const TCodeUnit* set, U c, int start = 0) {
+    return self().replaceAnyOf(set, ForeignToUnit(c), start);
   }
   template <ForeignUnit U>
   S& replaceAnyOf(const S& set, U c, int start = 0) {
@@ -398,15 +444,16 @@ class TForeignForms : public TStringOptions {
   List split(U sep, SplitBehavior behavior = KeepEmptyTokens) const {
     return TForeignText(sep).Visit([&](auto text) { return self().split(text, behavior); });
   }
-  template <ForeignUnit U>
-  static List split(const U* text, int len, const U* sep, SplitBehavior behavior = KeepEmptyTokens,
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static List split(const A& text, int len, const B& sep, SplitBehavior behavior = KeepEmptyTokens,
                     CaseSensitivity cs = CaseSensitive) {
-    const Source whole(text, len);
-    return S::split(whole.data(), len < 0 ? len : whole.length(), Source(sep).data(), behavior, cs);
+    const TextOf<A> whole(text, len);
+    return S::split(whole.data(), len < 0 ? len : whole.length(), TextOf<B>(sep).data(), behavior, cs);
   }
-  template <ForeignUnit U>
-  static List split(const U* text, int len, U sep, SplitBehavior behavior = KeepEmptyTokens) {
-    const Source whole(text, len);
+  template <TextPointer A, ForeignUnit U>
+  static List split(const A& text, int len, U sep, SplitBehavior behavior = KeepEmptyTokens) {
+    const TextOf<A> whole(text, len);
     return TForeignText(sep).Visit([&](auto unit) { return S::split(whole.data(), whole.length(), unit, behavior); });
   }
   template <ForeignUnit U>
@@ -425,11 +472,12 @@ class TForeignForms : public TStringOptions {
   S section(U sep, int first, int last = -1, SectionFlags flags = SectionDefault) const {
     return TForeignText(sep).Visit([&](auto text) { return self().section(text, first, last, flags); });
   }
-  template <ForeignUnit U>
-  static S section(const U* text, int len, const U* sep, int first, int last = -1,
+  template <class A, class B>
+    requires ForeignTexts<A, B>
+  static S section(const A& text, int len, const B& sep, int first, int last = -1,
                    SectionFlags flags = SectionDefault) {
-    const Source whole(text, len);
-    return S::section(whole.data(), whole.length(), Source(sep).data(), first, last, flags);
+    const TextOf<A> whole(text, len);
+    return S::section(whole.data(), whole.length(), TextOf<B>(sep).data(), first, last, flags);
   }
   template <ForeignUnit U>
   static S join(const List& list, U sep) {
@@ -454,16 +502,24 @@ class TForeignForms : public TStringOptions {
   }
 
  private:
+  /// The first `n` elements, all where `n` is negative, as far as they go.
+  template <class A>
+  static S FirstOf(const A& text, int n) {
+    const TextOf<A> first(text, TextOf<A>::Measure(text, n));
+    return S(first.data(), first.length());
+  }
   void assignRepeated(TCodeUnit c, int n) { self().assign(c, n); }
   void assignRepeated(const TCodeUnit* pair, int n) {
     if (n >= 0) self() = S(pair, 2).repeated(n);
   }
   bool containsWhole(TCodeUnit c) const { return self().contains(c); }
   bool containsWhole(const TCodeUnit* pair) const { return self().contains(S(pair, 2)); }
-  static int indexIn(const Source& text, TCodeUnit c, int start) {
+  template <class T>
+  static int indexIn(const T& text, TCodeUnit c, int start) {
     return S::indexOf(text.data(), text.length(), c, start);
   }
-  static int indexIn(const Source& text, const TCodeUnit* pair, int start) {
+  template <class T>
+  static int indexIn(const T& text, const TCodeUnit* pair, int start) {
     return S::findStr(text.data(), text.length(), pair, 2, start);
   }
 };
