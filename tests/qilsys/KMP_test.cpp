@@ -1,4 +1,5 @@
 #include "qilsys/KMP.h"
+#include "support/Literals.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +20,7 @@ TEST(StringTable, HoldsThePatternByAddress) {
 }
 
 TEST(StringTable, MeasuresANegativeLength) {
-  const StringTable table(u"abab", -1, TStringCore::CaseSensitive);
+  const StringTable table(QILSYS_UNITS("abab"), -1, TStringCore::CaseSensitive);
   EXPECT_EQ(table.patternLength(), 4);
   EXPECT_EQ(table.failureTable(), (std::vector<int>{-1, -1, 0, 1}));
 }
@@ -31,7 +32,7 @@ TEST(StringTable, OfNullIsEmpty) {
 }
 
 TEST(StringTable, CopiesAreValues) {
-  const StringTable table(u"aa", 2, TStringCore::CaseSensitive);
+  const StringTable table(QILSYS_UNITS("aa"), 2, TStringCore::CaseSensitive);
   const StringTable copy(table);
   EXPECT_EQ(copy.pattern(), table.pattern());
   EXPECT_EQ(copy.failureTable(), table.failureTable());
@@ -39,8 +40,8 @@ TEST(StringTable, CopiesAreValues) {
 }
 
 TEST(StringTable, AssignmentReplacesEverything) {
-  StringTable target(u"abcabc", 6, TStringCore::CaseSensitive);
-  const StringTable source(u"aa", 2, TStringCore::CaseInsensitive);
+  StringTable target(QILSYS_UNITS("abcabc"), 6, TStringCore::CaseSensitive);
+  const StringTable source(QILSYS_UNITS("aa"), 2, TStringCore::CaseInsensitive);
   target = source;
   EXPECT_EQ(target.pattern(), source.pattern());
   EXPECT_EQ(target.patternLength(), 2);
@@ -49,7 +50,7 @@ TEST(StringTable, AssignmentReplacesEverything) {
 }
 
 TEST(StringTable, AssignmentToItselfChangesNothing) {
-  StringTable table(u"aab", 3, TStringCore::CaseSensitive);
+  StringTable table(QILSYS_UNITS("aab"), 3, TStringCore::CaseSensitive);
   const StringTable& same = table;
   table = same;
   EXPECT_EQ(table.failureTable(), (std::vector<int>{-1, 0, -1}));

@@ -10,10 +10,12 @@
 #include "qilsys/LookupTStr.h"
 #include "qilsys/TFormatStringCore.h"
 #include "support/CaughtAssertion.h"
+#include "support/DebugChannel.h"
 #include "support/RowName.h"
 #include "support/Utf8.h"
 
 using qilsys::test::CaughtAssertion;
+using qilsys::test::DebugChannelCapture;
 using qilsys::test::RecordedAssertions;
 using qilsys::test::ScopedAssertHook;
 using qilsys::test::Utf8;
@@ -42,17 +44,16 @@ class WithLookup : public testing::Test {
 // A hook that throws what is not even an exception class.
 void Raise(char const*, int line, char const*, QuillonError const&) { throw line; }
 
-// What is thrown, and what goes to standard error, when an assertion fails without a asserts.
+// What is thrown, and what goes to the debug channel, when an assertion fails without a hook.
 template <class Report>
 LogicException CatchWithoutHook(Report report, std::string& channel) {
-  testing::internal::CaptureStderr();
+  DebugChannelCapture capture;
   try {
     report();
   } catch (const LogicException& exception) {
-    channel = testing::internal::GetCapturedStderr();
+    channel = capture.Take();
     return exception;
   }
-  channel = testing::internal::GetCapturedStderr();
   ADD_FAILURE() << "returned";
   return LogicException(TStringCore(), TError::ErrorInfo::NoError());
 }

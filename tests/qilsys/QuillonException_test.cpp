@@ -76,7 +76,11 @@ INSTANTIATE_TEST_SUITE_P(
         ConstructorRow{"EmptyFormatAndRecord", QuillonException(Format(""), SomeInfo()), {}, {}, SomeInfo()},
         ConstructorRow{"List", QuillonException(s_list), {"one", "", "two"}, {}, s_none},
         ConstructorRow{"ListAndRecord", QuillonException(s_list, SomeInfo()), {"one", "", "two"}, {}, SomeInfo()},
-        ConstructorRow{"Foreign", QuillonException(std::runtime_error("caf\xC3\xA9")), {"caf\xC3\xA9"}, {}, s_none},
+        ConstructorRow{"Foreign",
+                       QuillonException(std::runtime_error(TStringCore("caf\xC3\xA9").toLocal8Bit())),
+                       {"caf\xC3\xA9"},
+                       {},
+                       s_none},
         ConstructorRow{"ForeignEmpty", QuillonException(std::runtime_error("")), {}, {}, s_none},
         ConstructorRow{
             "ForeignAndRecord", QuillonException(std::runtime_error("text"), SomeInfo()), {"text"}, {}, SomeInfo()}),

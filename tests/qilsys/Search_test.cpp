@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "qilsys/Fields.h"
+#include "support/Literals.h"
 #include "support/SearchModels.h"
 #include "support/SearchTexts.h"
 
@@ -35,6 +36,8 @@ class Exact {
  private:
   std::vector<TCodeUnit> m_units;
 };
+
+using Text = std::basic_string<TCodeUnit>;
 
 struct Case {
   std::u16string text;
@@ -157,7 +160,7 @@ TEST(SearchRandom, SpansAgreeWithTheModel) {
         for (const test::ModelField& f : test::ModelFields(c.text, sep, dropEmpty, Folds(cs))) {
           wanted.push_back({f.offset, f.length});
         }
-        ASSERT_EQ(findSpans(text, text.length(), sep.c_str(), dropEmpty, cs), wanted);
+        ASSERT_EQ(findSpans(text, text.length(), Exact(sep), dropEmpty, cs), wanted);
       }
     }
   }
@@ -165,11 +168,11 @@ TEST(SearchRandom, SpansAgreeWithTheModel) {
 
 // Near misses at every place: the search by the ends of the needle hands over to the table.
 TEST(Search, FoldedSearchThroughNearMissesFindsTheFirstMatch) {
-  const std::u16string needle = std::u16string(200, u'a') + u"b" + std::u16string(200, u'a');
-  std::u16string text(5000, u'A');
+  const Text needle = Text(200, 'a') + QILSYS_UNITS("b") + Text(200, 'a');
+  Text text(5000, 'A');
   EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 0, TStringCore::CaseInsensitive), -1);
-  text[3000] = u'B';
-  text[4500] = u'B';
+  text[3000] = 'B';
+  text[4500] = 'B';
   EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 0, TStringCore::CaseInsensitive), 2800);
   EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 2800, TStringCore::CaseInsensitive), 2800);
   EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 2801, TStringCore::CaseInsensitive), 4300);
@@ -177,10 +180,10 @@ TEST(Search, FoldedSearchThroughNearMissesFindsTheFirstMatch) {
 
 // One of these matches stands at the very place where the table takes over.
 TEST(Search, FoldedSearchThroughNearMissesFindsAMatchAtAnyPlace) {
-  const std::u16string needle = std::u16string(20, u'a') + u"b" + std::u16string(20, u'a');
+  const Text needle = Text(20, 'a') + QILSYS_UNITS("b") + Text(20, 'a');
   for (std::size_t at = 0; at < 500; ++at) {
-    std::u16string text(600, u'A');
-    text[at + 20] = u'B';
+    Text text(600, 'A');
+    text[at + 20] = 'B';
     ASSERT_EQ(findStrCore(text.c_str(), 600, needle.c_str(), 41, 0, TStringCore::CaseInsensitive),
               static_cast<int>(at));
   }
@@ -188,43 +191,43 @@ TEST(Search, FoldedSearchThroughNearMissesFindsAMatchAtAnyPlace) {
 
 TEST(Search, FailureTableHoldsBorders) {
   std::vector<int> table;
-  buildFailureTable(u"aabaaab", 7, table, TStringCore::CaseSensitive);
+  buildFailureTable(QILSYS_UNITS("aabaaab"), 7, table, TStringCore::CaseSensitive);
   EXPECT_EQ(table, (std::vector<int>{-1, 0, -1, 0, 1, 1, 2}));
-  buildFailureTable(u"aABAaab", 7, table, TStringCore::CaseSensitive);
+  buildFailureTable(QILSYS_UNITS("aABAaab"), 7, table, TStringCore::CaseSensitive);
   EXPECT_EQ(table, (std::vector<int>{-1, -1, -1, -1, 0, 0, -1}));
-  buildFailureTable(u"aABAaab", 7, table, TStringCore::CaseInsensitive);
+  buildFailureTable(QILSYS_UNITS("aABAaab"), 7, table, TStringCore::CaseInsensitive);
   EXPECT_EQ(table, (std::vector<int>{-1, 0, -1, 0, 1, 1, 2}));
 }
 
 TEST(Search, FailureTableOfNothingIsUntouched) {
   std::vector<int> table{7, 8};
   buildFailureTable(nullptr, 3, table, TStringCore::CaseSensitive);
-  buildFailureTable(u"abc", 0, table, TStringCore::CaseSensitive);
-  buildFailureTable(u"abc", -1, table, TStringCore::CaseSensitive);
+  buildFailureTable(QILSYS_UNITS("abc"), 0, table, TStringCore::CaseSensitive);
+  buildFailureTable(QILSYS_UNITS("abc"), -1, table, TStringCore::CaseSensitive);
   EXPECT_EQ(table, (std::vector<int>{7, 8}));
 }
 
 TEST(Search, KmpSearchRefusesWhatCannotMatch) {
   const std::vector<int> table{-1, -1};
-  EXPECT_EQ(kmpSearch(nullptr, 2, u"ab", 2, table, TStringCore::CaseSensitive), -1);
-  EXPECT_EQ(kmpSearch(u"ab", 2, nullptr, 2, table, TStringCore::CaseSensitive), -1);
-  EXPECT_EQ(kmpSearch(u"ab", 0, u"ab", 2, table, TStringCore::CaseSensitive), -1);
-  EXPECT_EQ(kmpSearch(u"ab", 2, u"ab", 0, table, TStringCore::CaseSensitive), -1);
-  EXPECT_EQ(kmpSearch(u"ab", 1, u"ab", 2, table, TStringCore::CaseSensitive), -1);
-  EXPECT_EQ(kmpSearch(u"xAB", 3, u"ab", 2, table, TStringCore::CaseSensitive), -1);
-  EXPECT_EQ(kmpSearch(u"xAB", 3, u"ab", 2, table, TStringCore::CaseInsensitive), 1);
+  EXPECT_EQ(kmpSearch(nullptr, 2, QILSYS_UNITS("ab"), 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(QILSYS_UNITS("ab"), 2, nullptr, 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(QILSYS_UNITS("ab"), 0, QILSYS_UNITS("ab"), 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(QILSYS_UNITS("ab"), 2, QILSYS_UNITS("ab"), 0, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(QILSYS_UNITS("ab"), 1, QILSYS_UNITS("ab"), 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(QILSYS_UNITS("xAB"), 3, QILSYS_UNITS("ab"), 2, table, TStringCore::CaseSensitive), -1);
+  EXPECT_EQ(kmpSearch(QILSYS_UNITS("xAB"), 3, QILSYS_UNITS("ab"), 2, table, TStringCore::CaseInsensitive), 1);
 }
 
 TEST(Search, SpansOfNothingAreNone) {
-  EXPECT_TRUE(findSpans(nullptr, 3, u",", false, TStringCore::CaseSensitive).empty());
-  EXPECT_TRUE(findSpans(u"a,b", 3, nullptr, false, TStringCore::CaseSensitive).empty());
-  EXPECT_TRUE(findSpans(u"a,b", 3, u"", false, TStringCore::CaseSensitive).empty());
+  EXPECT_TRUE(findSpans(nullptr, 3, QILSYS_UNITS(","), false, TStringCore::CaseSensitive).empty());
+  EXPECT_TRUE(findSpans(QILSYS_UNITS("a,b"), 3, nullptr, false, TStringCore::CaseSensitive).empty());
+  EXPECT_TRUE(findSpans(QILSYS_UNITS("a,b"), 3, QILSYS_UNITS(""), false, TStringCore::CaseSensitive).empty());
 }
 
 TEST(Search, UnitLengthOfNullIsZero) {
   EXPECT_EQ(unitLength(nullptr), 0);
-  EXPECT_EQ(unitLength(u""), 0);
-  EXPECT_EQ(unitLength(u"abc"), 3);
+  EXPECT_EQ(unitLength(QILSYS_UNITS("")), 0);
+  EXPECT_EQ(unitLength(QILSYS_UNITS("abc")), 3);
 }
 
 }  // namespace

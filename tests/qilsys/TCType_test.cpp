@@ -10,9 +10,8 @@
 namespace {
 
 using qilsys::test::ForEachUnitType;
+using qilsys::test::ForeignHoldsCodePoints;
 using qilsys::test::RowName;
-
-constexpr bool WideHoldsCodePoints = sizeof(TForeignUnit) > sizeof(TCodeUnit);
 
 /// One question in each of its forms, beside ICU's own answer.
 struct ClassRow {
@@ -32,11 +31,13 @@ TEST_P(CharacterClass, AgreesWithIcuOnEveryUnit) {
   }
 }
 
+// Where an element has 16 bits there is no such character; what is left of it is a unit like any other.
 TEST_P(CharacterClass, AWideCharacterOfTwoUnitsCountsAsTheReplacement) {
-  if (!WideHoldsCodePoints) GTEST_SKIP() << "wchar_t has 16 bits here";
-  const bool wanted = GetParam().icu(0xFFFD);
-  for (const UChar32 c : {0x10000, 0x10400, 0x1D400, 0x1F600, 0x10FFFF, 0x110000, -1})
-    EXPECT_EQ(GetParam().foreign(static_cast<TForeignUnit>(c)), wanted) << std::hex << c;
+  for (const UChar32 c : {0x10000, 0x10400, 0x1D400, 0x1F600, 0x10FFFF, 0x110000, -1}) {
+    const auto element = static_cast<TForeignUnit>(c);
+    const bool wanted = GetParam().icu(ForeignHoldsCodePoints ? 0xFFFD : static_cast<UChar32>(element));
+    EXPECT_EQ(GetParam().foreign(element), wanted) << std::hex << c;
+  }
 }
 
 constexpr ClassRow Classes[] = {
@@ -86,7 +87,7 @@ TEST(SpaceAtPointer, AgreesWithIcuOnEveryCodePoint) {
     CodePoint::Utf32ToUtf16(&c, text, position, 2);
     ASSERT_EQ(TCType::isSpace(text), u_isUWhiteSpace(static_cast<UChar32>(c)) != 0) << std::hex << uint32_t{c};
     const TForeignUnit wide[2] = {static_cast<TForeignUnit>(c), 0};
-    if (WideHoldsCodePoints) {
+    if (ForeignHoldsCodePoints) {
       ASSERT_EQ(TCType::isSpace(wide), u_isUWhiteSpace(static_cast<UChar32>(c)) != 0) << std::hex << uint32_t{c};
     }
   }

@@ -220,8 +220,13 @@ TEST(TForeignForms, SomeResultsByHand) {
 // ---- What only wide elements can show
 
 TEST(TForeignForms, AWideUnitOfTwoActsAsText) {
-  if (!WideIsCodePoints) GTEST_SKIP() << "one wide element is one unit here";
-  const wchar_t grin = L'\U0001F600';
+  if (!WideIsCodePoints) {
+    // An element is one unit here, also where that is half a pair.
+    EXPECT_EQ(UnitsOf(TStringCore(u"\U0001F600").append(L'\xD83D')), u"\U0001F600\xD83D");
+    EXPECT_EQ(TStringCore(u"\U0001F600").indexOf(L'\xDE00'), 1);
+    return;
+  }
+  const auto grin = static_cast<wchar_t>(0x1F600);
   TStringCore text(u"a");
   text.append(grin);
   text.insert(0, grin);
@@ -246,20 +251,20 @@ TEST(TForeignForms, AWideUnitOfTwoActsAsText) {
 }
 
 TEST(TForeignForms, PositionsInWideTextCountElements) {
-  if (!WideIsCodePoints) GTEST_SKIP() << "one wide element is one unit here";
+  constexpr int Grin = WideIsCodePoints ? 1 : 2;
   const wchar_t* hay = L"\U0001F600ab\U0001F600ab";
-  EXPECT_EQ(TStringCore::findStr(hay, L"ab"), 1);
-  EXPECT_EQ(TStringCore::findStr(hay, L"ab", 2), 4);
-  EXPECT_EQ(TStringCore::findStr(hay, 3, L"ab", 2), -1);
-  EXPECT_EQ(TStringCore::findStr(hay, L"ab", -3), 4);
-  EXPECT_EQ(TStringCore::indexOf(hay, 6, L'b', 3), 5);
-  EXPECT_EQ(TStringCore::indexOf(hay, 6, L'\U0001F600', 1), 3);
-  EXPECT_EQ(TStringCore::findOneOf(hay, L"b", 3), 5);
-  EXPECT_EQ(TStringCore::findOneNotOf(hay, L"\U0001F600", 0), 1);
-  EXPECT_EQ(TStringCore::length(hay), 6);
-  EXPECT_EQ(TStringCore::compareN(L"\U0001F600a", L"\U0001F600b", 1), 0);
-  EXPECT_EQ(TStringCore::compareN(L"\U0001F600a", L"\U0001F600b", 2), -1);
-  EXPECT_EQ(UnitsOf(TStringCore(hay, 2)), u"\U0001F600a");
+  EXPECT_EQ(TStringCore::findStr(hay, L"ab"), Grin);
+  EXPECT_EQ(TStringCore::findStr(hay, L"ab", Grin + 1), 2 * Grin + 2);
+  EXPECT_EQ(TStringCore::findStr(hay, Grin + 2, L"ab", Grin + 1), -1);
+  EXPECT_EQ(TStringCore::findStr(hay, L"ab", -3), 2 * Grin + 2);
+  EXPECT_EQ(TStringCore::indexOf(hay, 2 * Grin + 4, L'b', Grin + 2), 2 * Grin + 3);
+  EXPECT_EQ(TStringCore::findStr(hay, L"\U0001F600", 1), Grin + 2);
+  EXPECT_EQ(TStringCore::findOneOf(hay, L"b", Grin + 2), 2 * Grin + 3);
+  EXPECT_EQ(TStringCore::findOneNotOf(hay, L"\U0001F600", 0), Grin);
+  EXPECT_EQ(TStringCore::length(hay), 2 * Grin + 4);
+  EXPECT_EQ(TStringCore::compareN(L"\U0001F600a", L"\U0001F600b", Grin), 0);
+  EXPECT_EQ(TStringCore::compareN(L"\U0001F600a", L"\U0001F600b", Grin + 1), -1);
+  EXPECT_EQ(UnitsOf(TStringCore(hay, Grin + 1)), u"\U0001F600a");
 }
 
 TEST(TForeignForms, WideBuffersAreEditedInPlace) {
@@ -279,9 +284,9 @@ TEST(TForeignForms, WideBuffersAreEditedInPlace) {
 }
 
 TEST(TForeignForms, BadWideElements) {
-  if (!WideIsCodePoints) GTEST_SKIP() << "one wide element is one unit here";
-  const wchar_t text[] = {static_cast<wchar_t>(0x110000), static_cast<wchar_t>(0xD800), L'a', 0};
-  EXPECT_EQ(UnitsOf(TStringCore(text)), u"\xFFFD\xD800z"s.replace(2, 1, u"a"));
+  const auto bad = static_cast<wchar_t>(WideIsCodePoints ? 0x110000 : 0xFFFD);
+  const wchar_t text[] = {bad, static_cast<wchar_t>(0xD800), L'a', 0};
+  EXPECT_EQ(UnitsOf(TStringCore(text)), (std::u16string{0xFFFD, 0xD800, u'a'}));
 }
 
 // ---- Operators
@@ -363,9 +368,64 @@ TEST(TForeignForms, NullIsUnambiguousEverywhere) {
   EXPECT_EQ(TStringCore::leftIntegerLength(nullptr, 0), 0);
   EXPECT_EQ(TStringCore::leftDoubleLength(nullptr), 0);
   s.append(nullptr).insert(0, nullptr).insert(it, nullptr).prepend(nullptr).replace(1, 1, nullptr).removeAll(nullptr);
-  s.removeAnyOf(nullptr).replaceAnyOf(nullptr, u'x').trim(nullptr).trimLeft(nullptr).trimRight(nullptr);
+  s.removeAnyOf(nullptr).replaceAnyOf(nullptr, u'x').replaceAnyOf(nullptr, L'x');
+  s.trim(nullptr).trimLeft(nullptr).trimRight(nullptr);
   EXPECT_EQ(s.replaceCount(nullptr, 1, nullptr, 1), 0);
   EXPECT_EQ(UnitsOf(s), u"abc");
+}
+
+// What compiles on one system compiles on the other, whichever unit is the native one.
+template <class Literals>
+void ExpectFormsBeside(const Literals& l) {
+  const TStringCore s(u"a,b,a");
+  EXPECT_EQ(TStringCore::compare(s, l.text), 0);
+  EXPECT_EQ(TStringCore::compare(l.text, s), 0);
+  EXPECT_EQ(TStringCore::compare(nullptr, l.text), -1);
+  EXPECT_EQ(TStringCore::compare(l.text, nullptr), 1);
+  EXPECT_EQ(TStringCore::compareN(s, l.other, 2), 0);
+  EXPECT_EQ(TStringCore::compareN(l.other, s, 3), 1);
+  EXPECT_EQ(TStringCore::compareN(l.other, l.text, 2), 0);
+  EXPECT_EQ(TStringCore::compareN(nullptr, l.text, 0), 0);
+  EXPECT_EQ(TStringCore::findStr(s, l.comma), 1);
+  EXPECT_EQ(TStringCore::findStr(s, 5, l.comma, 2), 3);
+  EXPECT_EQ(TStringCore::findStr(s, 5, l.comma, 1, -3), 3);
+  EXPECT_EQ(TStringCore::findStr(nullptr, l.comma), -1);
+  EXPECT_EQ(TStringCore::findStr(l.comma, nullptr), 0);
+  EXPECT_EQ(TStringCore::indexOf(s, 5, l.a, 1), 4);
+  EXPECT_EQ(TStringCore::indexOf(nullptr, 5, l.a), -1);
+  EXPECT_EQ(TStringCore::findOneOf(s, l.comma, 2), 3);
+  EXPECT_EQ(TStringCore::findOneOf(nullptr, l.comma), -1);
+  EXPECT_EQ(TStringCore::findChar(s, l.a, 1), 4);
+  EXPECT_EQ(TStringCore::findChar(nullptr, l.a), -1);
+  EXPECT_EQ(TStringCore::findOneNotOf(s, l.text), -1);
+  EXPECT_EQ(TStringCore::findOneNotOf(s.constData(), l.a), 1);
+  EXPECT_EQ(TStringCore::findOneNotOf(nullptr, l.comma), -1);
+  EXPECT_EQ(Shown(TStringCore::split(s, 5, l.comma)), u"a|b|a|");
+  EXPECT_EQ(Shown(TStringCore::split(s, -1, l.a)), u"|,b,||");
+  EXPECT_EQ(Shown(TStringCore::split(nullptr, 5, l.comma)), u"|");
+  EXPECT_EQ(Shown(TStringCore::section(s, 5, l.comma, 1, 1)), u"b");
+  EXPECT_EQ(Shown(TStringCore::section(nullptr, 5, l.comma, 1, 1)), u"");
+  EXPECT_EQ(Shown(TStringCore(s).replace(l.comma, 1, s, 1)), u"aabaa");
+  EXPECT_EQ(Shown(TStringCore(s).replace(l.comma, 1, nullptr, 0)), u"aba");
+  EXPECT_EQ(TStringCore(s).replaceCount(s, 1, l.comma, 1), 2);
+  EXPECT_EQ(Shown(TStringCore(s).replaceAnyOf(s, l.a)), u"aaaaa");
+}
+
+TEST(TForeignForms, EitherUnitGoesBesideAStringAndNull) {
+  struct {
+    const char16_t* text = u"a,b,a";
+    const char16_t* other = u"a,c";
+    const char16_t* comma = u",";
+    char16_t a = u'a';
+  } units;
+  struct {
+    const wchar_t* text = L"a,b,a";
+    const wchar_t* other = L"a,c";
+    const wchar_t* comma = L",";
+    wchar_t a = L'a';
+  } wide;
+  ExpectFormsBeside(units);
+  ExpectFormsBeside(wide);
 }
 
 TEST(TForeignForms, NarrowTextIsUtf8Everywhere) {

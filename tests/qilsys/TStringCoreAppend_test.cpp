@@ -116,7 +116,10 @@ TEST(TStringCoreAppend, Concatenates) {
   EXPECT_EQ(UnitsOf(a + nullptr), u"a");
   EXPECT_EQ(UnitsOf(a + L"x" + L'y'), u"axy");
   EXPECT_EQ(UnitsOf(L"x" + a), u"xa");
-  EXPECT_EQ(UnitsOf(L'\U0001F600' + a), u"\U0001F600a");
+  EXPECT_EQ(UnitsOf(L"\U0001F600" + a), u"\U0001F600a");
+  if (sizeof(wchar_t) > 2) {
+    EXPECT_EQ(UnitsOf(static_cast<wchar_t>(0x1F600) + a), u"\U0001F600a");
+  }
   EXPECT_EQ(UnitsOf(a), u"a");
 }
 

@@ -34,6 +34,7 @@ std::u16string RandomUnits(SeededRandom& random, int most) {
 /// A text argument: units of the caller's, or a piece of the edited text.
 struct Argument {
   std::u16string units;
+  std::basic_string<TCodeUnit> kept;
   const TCodeUnit* data;
   int own;  // The offset in the edited text, or -1.
   int length() const { return static_cast<int>(units.size()); }
@@ -41,7 +42,8 @@ struct Argument {
 
 void RandomArgument(SeededRandom& random, const TStringCore& text, Argument& argument) {
   argument.units = RandomUnits(random, 6);
-  argument.data = argument.units.c_str();
+  argument.kept.assign(argument.units.begin(), argument.units.end());
+  argument.data = argument.kept.c_str();
   argument.own = -1;
   if (text.empty() || !random.OneIn(3)) return;
   argument.own = random.Between(0, text.length());
@@ -84,7 +86,8 @@ class Walk {
 
   /// The argument as NUL-terminated text; own text of a given length may go on behind it.
   std::u16string Terminated(const Argument& a) const {
-    return a.own < 0 ? std::u16string(a.units.c_str()) : std::u16string(a.data);
+    const std::basic_string<TCodeUnit> units(a.data);
+    return std::u16string(units.begin(), units.end());
   }
 
   static std::vector<Edit> EditsThatPutIn() {
@@ -183,7 +186,7 @@ class Walk {
   int m_edit = 0;
   int m_position = 0;
   int m_count = 0;
-  char16_t m_unit = 0;
+  TCodeUnit m_unit = 0;
 };
 
 TEST(TStringCoreModel, RandomEditsAgree) {

@@ -138,7 +138,9 @@ TEST(TStringCoreToDoubleModel, AgreesWithTheRuntimeForAnyText) {
     for (int i = 0; i < length; ++i) text.push_back(alphabet[random.Between<std::size_t>(0, alphabet.size() - 1)]);
     errno = 0;
     char* end = nullptr;
-    const double value = ExpectedValue(std::strtod(text.c_str(), &end));
+    double value = ExpectedValue(std::strtod(text.c_str(), &end));
+    // A sign alone gives some runtimes a zero of that sign.
+    if (end == text.c_str()) value = 0;
     const bool wantedOk = errno == 0 && !text.empty() && *end == '\0';
     const int wantedError = errno;
     bool ok = !wantedOk;

@@ -35,8 +35,9 @@ TEST_P(IndexOf, EveryForm) {
     const int wanted = cs == CaseSensitive ? row.sensitive : row.insensitive;
     EXPECT_EQ(text.indexOf(String(row.needle), row.start, cs), wanted);
     EachRawForm(row.needle, [&](const auto* needle) { EXPECT_EQ(text.indexOf(needle, row.start, cs), wanted); });
-    EXPECT_EQ(TStringCore::findStr(text, length, row.needle.c_str(), needleLen, row.start, cs), wanted);
-    EXPECT_EQ(TStringCore::findStr(text, length, row.needle.c_str(), row.start, cs), wanted);
+    const TStringCore needle = String(row.needle);
+    EXPECT_EQ(TStringCore::findStr(text, length, needle, needleLen, row.start, cs), wanted);
+    EXPECT_EQ(TStringCore::findStr(text, length, needle, row.start, cs), wanted);
     EXPECT_EQ(TStringCore::findStr(row.text.c_str(), row.needle.c_str(), row.start, cs), wanted);
     if (row.start != 0) continue;
     EXPECT_EQ(text.contains(String(row.needle), cs), wanted >= 0);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "qilsys/TStringCore.h"
+#include "support/Literals.h"
 #include "support/StringText.h"
 #include "support/TStringCoreForTest.h"
 
@@ -70,15 +71,15 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 
 TEST(RemoveAnyOfTest, NullsChangeNothing) {
-  EXPECT_EQ(TStringCore::removeAnyOf(static_cast<TCodeUnit*>(nullptr), u"a"), 0);
-  TCodeUnit buffer[] = u"abc";
+  EXPECT_EQ(TStringCore::removeAnyOf(static_cast<TCodeUnit*>(nullptr), QILSYS_UNITS("a")), 0);
+  TCodeUnit buffer[] = QILSYS_UNITS("abc");
   EXPECT_EQ(TStringCore::removeAnyOf(buffer, nullptr), 3);
   EXPECT_EQ(UnitsOf(TStringCore(u"abc").removeAnyOf(nullptr)), u"abc");
 }
 
 TEST(RemoveAnyOfTest, TheWriterOfTheDigitZero) {
-  TCodeUnit buffer[] = u"abc";
-  EXPECT_EQ(TStringCore::removeAnyOf(buffer, u"b\u00E9"), 2);
+  TCodeUnit buffer[] = QILSYS_UNITS("abc");
+  EXPECT_EQ(TStringCore::removeAnyOf(buffer, QILSYS_UNITS("b\u00E9")), 2);
   EXPECT_EQ(buffer[2], 0x30);
 }
 
@@ -145,8 +146,8 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 
 TEST(ReplaceAnyOfTest, NullsChangeNothing) {
-  EXPECT_EQ(TStringCore::replaceAnyOf(static_cast<TCodeUnit*>(nullptr), u"a", u'x'), 0);
-  TCodeUnit buffer[] = u"abc";
+  EXPECT_EQ(TStringCore::replaceAnyOf(static_cast<TCodeUnit*>(nullptr), QILSYS_UNITS("a"), QILSYS_UNITS('x')), 0);
+  TCodeUnit buffer[] = QILSYS_UNITS("abc");
   EXPECT_EQ(TStringCore::replaceAnyOf(buffer, nullptr, u'x'), 3);
 }
 
@@ -159,11 +160,11 @@ TEST(ReplaceAnyOfTest, AlwaysDetaches) {
 
 TEST(ReplaceAnyOfTest, ASetInTheOwnTextIsCopiedFirst) {
   TStringCore text(u"abcab");
-  text.replaceAnyOf(text.constData() + 3, u'x');
+  text.replaceAnyOf(text.constData() + 3, QILSYS_UNITS('x'));
   EXPECT_EQ(UnitsOf(text), u"xxcxx");
-  TCodeUnit buffer[] = u"cab";
+  TCodeUnit buffer[] = QILSYS_UNITS("cab");
   EXPECT_EQ(TStringCore::replaceAnyOf(buffer, buffer + 1, u'x'), 3);
-  EXPECT_EQ(std::u16string(buffer), u"cxx");
+  EXPECT_EQ(std::basic_string<TCodeUnit>(buffer), QILSYS_UNITS("cxx"));
 }
 
 // ---- Trim

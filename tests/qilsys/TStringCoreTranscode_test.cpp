@@ -16,8 +16,6 @@ using qilsys::test::As;
 using qilsys::test::Rounds;
 using qilsys::test::SeededRandom;
 
-constexpr bool WideHoldsCodePoints = sizeof(TForeignUnit) > sizeof(TCodeUnit);
-
 std::u16string Units(const TStringCore& text) { return std::u16string(text.begin(), text.end()); }
 
 TStringCore FromUnits(std::u16string_view units) {
@@ -88,15 +86,40 @@ TEST(FromLatin9, StopsAtTheFirstNulWhateverTheLength) {
   EXPECT_EQ(TStringCore::fromLatin9("abc", 0).length(), 0);
 }
 
+// The default converter is the system's choice, so the bytes that stand for one text depend on it.
+struct LocalText {
+  const char* converter;
+  std::u16string units;
+  std::string bytes;
+};
+
+const LocalText s_local[] = {
+    {"UTF-8", u"a\u00E9\U0001F600z", "a\xC3\xA9\xF0\x9F\x98\x80z"},
+    {"ibm-5348_P100-1997", u"a\u00E9\u20ACz", "a\xE9\x80z"},  // What Windows calls code page 1252.
+    {"windows-932", u"a\u3042\uFF71z", "a\x82\xA0\xB1z"},
+};
+
+const LocalText* FindLocalText() {
+  const std::string converter = ucnv_getDefaultName();
+  const auto* row = std::ranges::find_if(s_local, [&](const LocalText& text) { return text.converter == converter; });
+  return row == std::end(s_local) ? nullptr : row;
+}
+
 TEST(FromLocal8Bit, DecodesByTheDefaultConverter) {
-  if (std::string(ucnv_getDefaultName()) != "UTF-8") GTEST_SKIP() << "the default converter is another";
-  EXPECT_EQ(Units(TStringCore::fromLocal8Bit("a\xC3\xA9\xF0\x9F\x98\x80z")), u"a\u00E9\U0001F600z");
+  const LocalText* local = FindLocalText();
+  if (!local) GTEST_SKIP() << "no text is known for the default converter, " << ucnv_getDefaultName();
+  EXPECT_EQ(Units(TStringCore::fromLocal8Bit(local->bytes.c_str())), local->units);
   EXPECT_EQ(Units(TStringCore::fromLocal8Bit("abc", 2)), u"ab");
   EXPECT_EQ(Units(TStringCore::fromLocal8Bit("a\0b", 3)), std::u16string(u"a\0b", 3));
   EXPECT_EQ(TStringCore::fromLocal8Bit(nullptr, 3).length(), 0);
   EXPECT_EQ(TStringCore::fromLocal8Bit("abc", 0).length(), 0);
-  const std::string emoji = "\xF0\x9F\x98\x80\xF0\x9F\x98\x80\xF0\x9F\x98\x80\xF0\x9F\x98\x80\xF0\x9F\x98\x80";
-  EXPECT_EQ(TStringCore::fromLocal8Bit(emoji.c_str()).length(), 10);
+  std::u16string units;
+  std::string bytes;
+  for (int i = 0; i < 20; ++i) {
+    units += local->units;
+    bytes += local->bytes;
+  }
+  EXPECT_EQ(Units(TStringCore::fromLocal8Bit(bytes.c_str())), units);
 }
 
 TEST(FromLocal8Bit, AFinalSubstituteControlIsDropped) {
@@ -178,15 +201,22 @@ TEST(ToLatin9, ALossyResultIsCutAtItsFirstNul) {
 }
 
 TEST(ToLocal8Bit, GoesThroughTheDefaultConverter) {
-  if (std::string(ucnv_getDefaultName()) != "UTF-8") GTEST_SKIP() << "the default converter is another";
+  const LocalText* local = FindLocalText();
+  if (!local) GTEST_SKIP() << "no text is known for the default converter, " << ucnv_getDefaultName();
   bool lossy = true;
-  EXPECT_EQ(FromUnits(u"a\u00E9\U0001F600").toLocal8Bit(&lossy), "a\xC3\xA9\xF0\x9F\x98\x80");
+  EXPECT_EQ(FromUnits(local->units).toLocal8Bit(&lossy), local->bytes);
   EXPECT_FALSE(lossy);
   lossy = true;
   EXPECT_EQ(FromUnits(u"").toLocal8Bit(&lossy), "");
   EXPECT_FALSE(lossy);
   EXPECT_EQ(FromUnits(std::u16string(u"a\0b", 3)).toLocal8Bit(), "a");
-  EXPECT_EQ(FromUnits(std::u16string(500, u'\u20AC')).toLocal8Bit().size(), 1500U);
+  std::u16string units;
+  std::string bytes;
+  for (int i = 0; i < 200; ++i) {
+    units += local->units;
+    bytes += local->bytes;
+  }
+  EXPECT_EQ(FromUnits(units).toLocal8Bit(), bytes);
 }
 
 // ---- To an array
@@ -217,10 +247,9 @@ TEST(ToWCharArray, EveryForm) {
   EXPECT_EQ(FromUnits(u"abc").toWCharArray(nullptr, 9), -1);
 }
 
-TEST(ToWCharArray, WideElementsAreCodePoints) {
-  if (!WideHoldsCodePoints) GTEST_SKIP() << "wchar_t has 16 bits here";
+TEST(ToWCharArray, CountsTheElementsOfWideText) {
   wchar_t target[8];
-  EXPECT_EQ(FromUnits(u"\U0001F600z").toWCharArray(target, 4), 2);
+  EXPECT_EQ(FromUnits(u"\U0001F600z").toWCharArray(target, 4), sizeof(wchar_t) > 2 ? 2 : 3);
   EXPECT_EQ(std::wstring(target), L"\U0001F600z");
 }
 

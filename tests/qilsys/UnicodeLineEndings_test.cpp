@@ -99,11 +99,11 @@ TEST(LineEndingsEdge, TheLengthFormsGoOverNul) {
 }
 
 TEST(LineEndingsEdge, AWideCodePointGoesThrough) {
-  if (sizeof(TForeignUnit) == 2) GTEST_SKIP() << "wchar_t has 16 bits here";
-  const TStringCore dos = Unicode::unixToDos(L"\U0001F600\n", 2);
+  constexpr size_t Elements = sizeof(wchar_t) > 2 ? 2 : 3;
+  const TStringCore dos = Unicode::unixToDos(L"\U0001F600\n", Elements);
   EXPECT_EQ(std::u16string(dos.begin(), dos.end()), u"\U0001F600\r\n");
   wchar_t text[] = L"\U0001F600\r\n";
-  EXPECT_EQ(Unicode::normalizeLineEndings(text), 2U);
+  EXPECT_EQ(Unicode::normalizeLineEndings(text), Elements);
   EXPECT_STREQ(text, L"\U0001F600\n");
 }
 
