@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "qilsys/THash.h"
+#include "support/OpenHandles.h"
 #include "support/SparseMemory.h"
 
 namespace {
@@ -24,6 +25,14 @@ TEST(THashLarge, Hash64TakesTheWholeLength) {
   EXPECT_NE(zeros, THash64(memory.Data(), 5, Seed));
   memory.Data()[FourGiB + 4] = 1;
   EXPECT_NE(THash64(memory.Data(), FourGiB + 5, Seed), zeros);
+}
+
+TEST(THashLarge, MemoryOfTheseTestsLeavesNothingOpen) {
+  const auto use = [] { qilsys::test::SparseMemory(FourGiB).Data()[FourGiB - 1] = 1; };
+  use();
+  const unsigned int before = qilsys::test::OpenHandles();
+  for (int round = 0; round < 10; ++round) use();
+  EXPECT_EQ(qilsys::test::OpenHandles(), before);
 }
 
 }  // namespace
