@@ -2,26 +2,26 @@
 // on one port, with one check a second and both policies in force.
 //
 //   monitor_member_cost [members] [seconds]
-#include <spawn.h>
-#include <sys/wait.h>
-#include <time.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/udp.hpp>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
+#include <iostream>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "monitor/Loopback.h"
+#include "monitor/MonitoredProcess_platform.h"
+#include "monitor/SpawnedProcess.h"
 #include "qilsys/MonitoredProcess.h"
 #include "qilsys/ResourceManager.h"
 
 namespace {
 
-/// What a member writes into its pipe.
+/// What a member writes to its output.
 struct Cost {
   /// Nanoseconds of processor time in each second of monitoring.
   double m_nanosecondsEachSecond = 0;
@@ -29,9 +29,8 @@ struct Cost {
 };
 
 double ProcessorNanoseconds() {
-  timespec time{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+  const ProcessTimesSample times = CurrentProcess()->ReadTimes().value_or(ProcessTimesSample());
+  return static_cast<double>(times.m_kernelTime + times.m_userTime) * 100;
 }
 
 double PrivateBytes() { return static_cast<double>(GetCurrentProcessMemoryInfo().PrivateUsage); }
@@ -57,32 +56,20 @@ int RunMember(unsigned short port, unsigned int seconds) {
   const double bytesBefore = PrivateBytes();
   StartMember(port);
   const double timeBefore = ProcessorNanoseconds();
-  sleep(seconds);
+  std::this_thread::sleep_for(std::chrono::seconds(seconds));
   cost.m_nanosecondsEachSecond = (ProcessorNanoseconds() - timeBefore) / seconds;
   cost.m_privateBytes = PrivateBytes() - bytesBefore;
   ResourceManager::Stop();
-  return write(STDOUT_FILENO, &cost, sizeof cost) == sizeof cost ? 0 : 1;
+  std::cout << cost.m_nanosecondsEachSecond << ' ' << cost.m_privateBytes << std::endl;
+  return 0;
 }
 
-unsigned short FreePort() {
-  boost::asio::io_context context;
-  const boost::asio::ip::udp::socket socket(context,
-                                            boost::asio::ip::udp::endpoint(boost::asio::ip::address_v4::loopback(), 0));
-  return socket.local_endpoint().port();
-}
-
-pid_t Spawn(char* program, unsigned short port, unsigned int seconds, int output) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-  std::string portText = std::to_string(port);
-  std::string secondsText = std::to_string(seconds);
-  std::array<char, 9> member{"--member"};
-  std::array<char*, 5> arguments{program, member.data(), portText.data(), secondsText.data(), nullptr};
-  pid_t pid = -1;
-  if (posix_spawn(&pid, program, &actions, nullptr, arguments.data(), environ) != 0) pid = -1;
-  posix_spawn_file_actions_destroy(&actions);
-  return pid;
+/// Waits for the end of a member; false if it has not told its cost.
+bool ReadCost(qilsys::test::SpawnedProcess& member, Cost& cost) {
+  std::string text;
+  while (const auto part = member.Read(std::chrono::seconds(1))) text += *part;
+  std::istringstream words(text);
+  return member.Wait() == 0 && words >> cost.m_nanosecondsEachSecond >> cost.m_privateBytes;
 }
 
 void Print(const char* what, std::vector<double> values, double unit, const char* unitName) {
@@ -91,21 +78,20 @@ void Print(const char* what, std::vector<double> values, double unit, const char
               unitName);
 }
 
-int Measure(char* program, int members, unsigned int seconds) {
-  int pipeEnds[2];
-  if (pipe(pipeEnds) != 0) return 1;
-  const unsigned short port = FreePort();
+int Measure(const std::string& program, int members, unsigned int seconds) {
+  const std::string port = std::to_string(qilsys::test::FreePort());
+  std::deque<qilsys::test::SpawnedProcess> processes;
   for (int i = 0; i < members; ++i) {
-    if (Spawn(program, port, seconds, pipeEnds[1]) == -1) return 1;
+    processes.emplace_back(std::vector<std::string>{program, "--member", port, std::to_string(seconds)});
   }
   std::vector<double> times;
   std::vector<double> bytes;
-  Cost cost;
-  for (int i = 0; i < members && read(pipeEnds[0], &cost, sizeof cost) == sizeof cost; ++i) {
+  for (qilsys::test::SpawnedProcess& process : processes) {
+    Cost cost;
+    if (!ReadCost(process, cost)) continue;
     times.push_back(cost.m_nanosecondsEachSecond);
     bytes.push_back(cost.m_privateBytes);
   }
-  while (wait(nullptr) > 0) continue;
   if (times.empty()) return 1;
   std::printf("%zu members, one check a second, %u seconds\n", times.size(), seconds);
   Print("processor", times, 1e7, "percent of a core");
