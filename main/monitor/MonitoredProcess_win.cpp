@@ -80,7 +80,11 @@ class ProcessHandle : public IProcessHandle {
   bool IsOpen() const { return m_handle.IsOpen(); }
 
   std::optional<ProcessTimesSample> ReadTimes() const override { return ReadTimesOf(m_handle.Get()); }
-  ProcessMemoryInfo ReadMemory() const override { return ReadMemoryOf(m_handle.Get()); }
+  // What has ended holds nothing, though the system may need a moment to take it back.
+  ProcessMemoryInfo ReadMemory() const override {
+    const ProcessMemoryInfo info = ReadMemoryOf(m_handle.Get());
+    return IsAlive() ? info : ProcessMemoryInfo();
+  }
   bool IsAlive() const override { return WaitForSingleObject(m_handle.Get(), 0) == WAIT_TIMEOUT; }
 
  private:

@@ -26,7 +26,7 @@ struct Stranger::Socket {
 
 Stranger::Stranger(unsigned short port) : m_socket(std::make_unique<Socket>()) {
   m_socket->m_socket.open(udp::v4());
-  loopback::HoldAlone(m_socket->m_socket.native_handle());
+  loopback::HoldAlone(static_cast<std::uintptr_t>(m_socket->m_socket.native_handle()));
   m_socket->m_socket.bind(Endpoint(resource_ipc::ReceiveAddress(), port));
 }
 

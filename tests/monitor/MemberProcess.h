@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "monitor/SpawnedProcess.h"
+#include "support/Eventually.h"
 
 namespace qilsys::test {
 
@@ -79,9 +80,12 @@ class MemberProcess {
   /// How many of the lines so far are `line`.
   std::ptrdiff_t Count(const std::string& line) { return std::count(Lines().begin(), Lines().end(), line); }
 
-  /// Waits for the end of the process: its exit code. All its lines have been read then.
+  /// Waits for the end of the process, and ends it when patience has run out: its exit code. All its lines have been
+  /// read then.
   int Exit() {
-    while (!m_ended) ReadFor(std::chrono::milliseconds(100));
+    const auto end = std::chrono::steady_clock::now() + s_patience;
+    while (!m_ended && std::chrono::steady_clock::now() < end) ReadFor(std::chrono::milliseconds(100));
+    if (!m_ended) m_process.Kill();
     return m_process.Wait();
   }
 
