@@ -1,6 +1,10 @@
 /// What the count inside of a critical section says of the threads at its entry.
 #pragma once
 
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
+
 #include <windows.h>
 
 namespace qilsys::synchronize {

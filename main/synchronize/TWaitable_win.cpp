@@ -1,4 +1,9 @@
+// On Linux, events and semaphores are made of TWaitQueue.cpp.
 #include "synchronize/TWaitable_win.h"
+
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
 
 #include "synchronize/SynchronizeForTest.h"
 

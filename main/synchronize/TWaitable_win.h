@@ -1,6 +1,10 @@
 /// What events and semaphores of Windows have in common: an object of the kernel, and the threads that wait for it.
 #pragma once
 
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
+
 #include <atomic>
 
 #include "synchronize/Win32Handle_win.h"
