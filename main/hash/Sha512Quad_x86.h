@@ -61,7 +61,14 @@ struct Sha512Quad {
 
   template <int Bits>
   static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER __m256i Turn(__m256i x) {
-    return _mm256_or_si256(_mm256_srli_epi64(x, Bits), _mm256_slli_epi64(x, 64 - Bits));
+    if constexpr (Bits == 8) {
+      // By whole bytes it is one operation everywhere.
+      const __m256i bytes =
+          _mm256_set_epi64x(0x080f0e0d0c0b0a09, 0x0007060504030201, 0x080f0e0d0c0b0a09, 0x0007060504030201);
+      return _mm256_shuffle_epi8(x, bytes);
+    } else {
+      return _mm256_or_si256(_mm256_srli_epi64(x, Bits), _mm256_slli_epi64(x, 64 - Bits));
+    }
   }
 
   /// A sigma of the standard: two rotations and a shift.
