@@ -24,10 +24,11 @@ demo: setup build/release/build.ninja ## Build and run the demo
 test: build ## Build and run all tests
 	@ctest --preset release -j $(JOBS)
 
-windows: ## Build everything for 64-bit Windows and run all tests there, under Wine
+windows: setup ## Build everything for 64-bit Windows and run all tests there, under Wine
 	@scripts/setup-windows
-	@$(MAKE) --no-print-directory build/windows/build.ninja
+	@$(MAKE) --no-print-directory build/windows/build.ninja build/release/build.ninja
 	@cmake --build --preset windows -j $(JOBS)
+	@cmake --build --preset release -j $(JOBS) --target monitor_member
 	@ctest --preset windows -j $(JOBS); status=$$?; scripts/windows-cases && exit $$status
 
 demo-windows: ## Build the demo for 64-bit Windows and run it under Wine
