@@ -288,6 +288,31 @@ TEST(OperatorNew, AlignsAndGivesRoomForNothing) {
   ::operator delete(nothing);
 }
 
+// ---- Aligned blocks
+
+TEST(AlignedBlocks, TellTheirSizeAndKeepIt) {
+  using namespace quillon::memory;
+  for (std::size_t alignment = 1; alignment <= 65536; alignment *= 2) {
+    for (const std::size_t size : {0, 1, 100, 5000}) {
+      void* block = AllocateAligned(size, alignment);
+      ASSERT_NE(block, nullptr);
+      EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % alignment, 0U);
+      ASSERT_GE(UsableSizeAligned(block), size);
+      std::memset(block, 0x5A, UsableSizeAligned(block));
+      FreeAligned(block);
+    }
+  }
+  FreeAligned(nullptr);
+  EXPECT_EQ(UsableSizeAligned(nullptr), 0U);
+}
+
+TEST(AlignedBlocks, NullWhereTheHeapGivesNone) {
+  if (UnderSanitizer) GTEST_SKIP() << "the sanitizer ends the process";
+  for (const std::size_t size : {~std::size_t{0}, ~std::size_t{0} - 64, ~std::size_t{0} / 2}) {
+    EXPECT_EQ(quillon::memory::AllocateAligned(size, 64), nullptr) << size;
+  }
+}
+
 // ---- The thread's block
 
 TEST(ThreadBlock, StartsZeroedOnEachThread) {

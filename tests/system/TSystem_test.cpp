@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "support/OpenHandles.h"
 #include "support/RowName.h"
 #include "support/SystemError.h"
 #include "support/Utf8.h"
@@ -136,6 +137,21 @@ TEST(TSystemLastError, EndsInNoBlank) {
   const std::string text = Utf8(TSystem::GetLastErrorString());
   EXPECT_EQ(text.find_last_not_of(" \r\n"), text.size() - 1);
   EXPECT_EQ(text.find('\n'), std::string::npos);
+}
+
+TEST(TSystemHandles, NothingIsLeftOpen) {
+  const auto askAll = [] {
+    TSystem::Memory();
+    TSystem::GetLastErrorString();
+    TSystem::Sleep(0);
+    TSystem::AppUpTime();
+    qilsys::ActiveCodePage();
+    TStringCore(u"text").toLocal8Bit();
+  };
+  askAll();
+  const unsigned int before = qilsys::test::OpenHandles();
+  for (int i = 0; i < 100; ++i) askAll();
+  EXPECT_EQ(qilsys::test::OpenHandles(), before);
 }
 
 TEST(TSystemClassName, IsTakenWhole) {
