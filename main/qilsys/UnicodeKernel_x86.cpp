@@ -2,6 +2,10 @@
 
 #include "qilsys/UnicodeKernel_x86.h"
 
+#if defined(_MSC_VER)
+#include <intrin.h>
+#endif
+
 #include "qilsys/CodePoint.h"
 
 namespace Unicode {
@@ -108,6 +112,14 @@ constexpr Kernel All[] = {{"Sse2", false, AsciiFromUtf8, AsciiFromUtf16, CountUt
 bool HasAvx2() {
 #if defined(__GNUC__)
   return __builtin_cpu_supports("avx2") != 0;
+#elif defined(_MSC_VER)
+  // The system has to save the wide registers, too, before programs may use them.
+  constexpr int XsaveAndAvx = (1 << 27) | (1 << 28);
+  int registers[4];
+  __cpuid(registers, 1);
+  if ((registers[2] & XsaveAndAvx) != XsaveAndAvx || (_xgetbv(0) & 6) != 6) return false;
+  __cpuidex(registers, 7, 0);
+  return (registers[1] & (1 << 5)) != 0;
 #else
   return false;
 #endif
