@@ -62,7 +62,9 @@ class MemberProcess {
         if (m_ended || std::chrono::steady_clock::now() > end) return false;
         ReadFor(std::chrono::milliseconds(100));
       }
-      if (wanted(m_lines[next])) return true;
+      // A copy, since who looks at a line may read on.
+      const std::string line = m_lines[next];
+      if (wanted(line)) return true;
     }
   }
 
@@ -78,7 +80,10 @@ class MemberProcess {
   bool AwaitInfoCount(int count) { return AwaitInfoCount(count, Lines().size()); }
 
   /// How many of the lines so far are `line`.
-  std::ptrdiff_t Count(const std::string& line) { return std::count(Lines().begin(), Lines().end(), line); }
+  std::ptrdiff_t Count(const std::string& line) {
+    const std::vector<std::string>& lines = Lines();
+    return std::count(lines.begin(), lines.end(), line);
+  }
 
   /// Waits for the end of the process, and ends it when patience has run out: its exit code. All its lines have been
   /// read then.

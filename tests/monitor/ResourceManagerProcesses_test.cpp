@@ -153,7 +153,8 @@ TEST_F(ProcessesTest, DatagramsAreJudgedByLength) {
   for (MemberProcess& member : m_members) {
     const std::size_t from = member.Lines().size();
     const auto counted = [&] {
-      return std::any_of(member.Lines().begin() + static_cast<std::ptrdiff_t>(from), member.Lines().end(),
+      const std::vector<std::string>& lines = member.Lines();
+      return std::any_of(lines.begin() + static_cast<std::ptrdiff_t>(from), lines.end(),
                          [](const std::string& line) { return line.ends_with("; 4 (info count)"); });
     };
     ResourceValuesV1 passing;
