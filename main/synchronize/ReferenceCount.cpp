@@ -2,6 +2,8 @@
 
 #include "qilsys/LogicException.h"
 
+template class QILSYS_API_DEFINED RefCntObjectNonVirtualBase<RefCntObject>;
+
 RefCntObject::~RefCntObject() = default;
 
 void qilsys::RaiseNullDereference() {

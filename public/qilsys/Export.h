@@ -10,3 +10,18 @@
 #else
 #define QILSYS_API __attribute__((visibility("default")))
 #endif
+
+/// The two marks of a class template's instance that the library shows: `extern template class QILSYS_API_DECLARED X<T>;`
+/// in the header and `template class QILSYS_API_DEFINED X<T>;` in the source. MSVC wants an export marked where the code
+/// is made, others where the instance is first named. GCC for Windows shows no inline members of an instance, whatever
+/// the mark: there each module has its own copies of them.
+#if defined(_WIN32) && defined(__GNUC__)
+#define QILSYS_API_DECLARED
+#define QILSYS_API_DEFINED
+#elif defined(_WIN32) && defined(QILSYS_BUILDING)
+#define QILSYS_API_DECLARED
+#define QILSYS_API_DEFINED QILSYS_API
+#else
+#define QILSYS_API_DECLARED QILSYS_API
+#define QILSYS_API_DEFINED
+#endif

@@ -64,6 +64,11 @@ class RefCntObjectNonVirtualBase {
   [[maybe_unused]] std::uint32_t m_magic = 0xC466E877;
 };
 
+class RefCntObject;
+
+// Here, since a class can't be marked any more once it is a base.
+extern template class QILSYS_API_DECLARED RefCntObjectNonVirtualBase<RefCntObject>;
+
 /// The base of objects that live by count. Only dropping the last reference destroys one: code outside the class
 /// hierarchy cannot.
 class QILSYS_API RefCntObject : public RefCntObjectNonVirtualBase<RefCntObject> {
