@@ -275,8 +275,8 @@ TEST_F(ResourceManagerTest, StoppedItLeavesNothingOpen) {
   // What the system opens at the first use stays.
   run();
   const unsigned int before = OpenHandles();
-  for (int i = 0; i < 5; ++i) run();
-  EXPECT_EQ(OpenHandles(), before);
+  for (int i = 0; i < 20; ++i) run();
+  EXPECT_LE(OpenHandles(), before + MostKeptByThreads);
 }
 
 TEST_F(ResourceManagerTest, StopOnTheWorkerThreadRaisesTheThreadError) {
