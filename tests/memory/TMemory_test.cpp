@@ -293,7 +293,7 @@ TEST(OperatorNew, AlignsAndGivesRoomForNothing) {
 TEST(AlignedBlocks, TellTheirSizeAndKeepIt) {
   using namespace quillon::memory;
   for (std::size_t alignment = 1; alignment <= 65536; alignment *= 2) {
-    for (const std::size_t size : {0, 1, 100, 5000}) {
+    for (const std::size_t size : {0U, 1U, 100U, 5000U}) {
       void* block = AllocateAligned(size, alignment);
       ASSERT_NE(block, nullptr);
       EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % alignment, 0U);

@@ -72,12 +72,19 @@ class MemberProcess {
     return Await([&](const std::string& other) { return other == line; }, from);
   }
 
+  /// A member that always checks a moment before another is heard finds that one just aged out, for as long as the two
+  /// keep step. Holds this one over the time of its next check, which then comes at another time of the second.
+  void PutOutOfStep() {
+    ReadFor(std::chrono::milliseconds(0));
+    Suspend();
+    ReadFor(std::chrono::milliseconds(1100));
+    Resume();
+  }
+
   /// Waits for a line, after the first `from` or after all that are there now, that counts `count` members.
   bool AwaitInfoCount(int count, std::size_t from) {
     const std::string end = "; " + std::to_string(count) + " (info count)";
     const auto counted = [&](const std::string& line) { return line.ends_with(end); };
-    // A member that always checks a moment before another is heard finds that one just aged out, for as long as the
-    // two keep step.
     for (int i = 0; i < 4; ++i) {
       if (Await(counted, from, std::chrono::seconds(8))) return true;
       PutOutOfStep();
@@ -102,14 +109,6 @@ class MemberProcess {
   }
 
  private:
-  // Held over the time of its next check, which then comes at another time of the second.
-  void PutOutOfStep() {
-    ReadFor(std::chrono::milliseconds(0));
-    Suspend();
-    ReadFor(std::chrono::milliseconds(1100));
-    Resume();
-  }
-
   // Takes what has been written, waiting for at most this long for the first of it.
   void ReadFor(std::chrono::milliseconds time) {
     while (!m_ended) {

@@ -159,10 +159,13 @@ TEST_F(ProcessesTest, DatagramsAreJudgedByLength) {
     };
     ResourceValuesV1 passing;
     passing.pid = 4660;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!counted() && std::chrono::steady_clock::now() < end) {
-      sender.SendValues(passing);
-      member.AwaitOutput(std::chrono::milliseconds(100));
+    for (int i = 0; i < 4 && !counted(); ++i) {
+      if (i > 0) member.PutOutOfStep();
+      const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(8);
+      while (!counted() && std::chrono::steady_clock::now() < end) {
+        sender.SendValues(passing);
+        member.AwaitOutput(std::chrono::milliseconds(100));
+      }
     }
     EXPECT_TRUE(counted());
   }
