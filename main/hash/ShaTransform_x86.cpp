@@ -6,9 +6,9 @@
 
 #include <utility>
 
-#include "hash/CpuFeatures_x86.h"
 #include "hash/Sha512Quad_x86.h"
 #include "hash/ShaRounds.h"
+#include "qilsys/CpuFeatures_x86.h"
 
 #define QILSYS_WITH_SHA QILSYS_WITH_INSTRUCTIONS("sha,sse4.1,ssse3")
 

@@ -2,11 +2,8 @@
 
 #include "qilsys/UnicodeKernel_x86.h"
 
-#if defined(_MSC_VER)
-#include <intrin.h>
-#endif
-
 #include "qilsys/CodePoint.h"
+#include "qilsys/CpuFeatures_x86.h"
 
 namespace Unicode {
 
@@ -109,24 +106,8 @@ constexpr Kernel All[] = {{"Sse2", false, AsciiFromUtf8, AsciiFromUtf16, CountUt
                           {"Avx2", true, WideThenAscii<FromUtf8Avx2, AsciiFromUtf8>,
                            WideThenAscii<FromUtf16Avx2, AsciiFromUtf16>, CountUtf8}};
 
-bool HasAvx2() {
-#if defined(__GNUC__)
-  return __builtin_cpu_supports("avx2") != 0;
-#elif defined(_MSC_VER)
-  // The system has to save the wide registers, too, before programs may use them.
-  constexpr int XsaveAndAvx = (1 << 27) | (1 << 28);
-  int registers[4];
-  __cpuid(registers, 1);
-  if ((registers[2] & XsaveAndAvx) != XsaveAndAvx || (_xgetbv(0) & 6) != 6) return false;
-  __cpuidex(registers, 7, 0);
-  return (registers[1] & (1 << 5)) != 0;
-#else
-  return false;
-#endif
-}
-
 }  // namespace
 
-std::span<const Kernel> Kernels() { return std::span(All).first(HasAvx2() ? 2 : 1); }
+std::span<const Kernel> Kernels() { return std::span(All).first(qilsys::ReadCpuFeatures().avx2 ? 2 : 1); }
 
 }  // namespace Unicode

@@ -1,4 +1,4 @@
-#include "hash/CpuFeatures_x86.h"
+#include "qilsys/CpuFeatures_x86.h"
 
 #if defined(_MSC_VER)
 #include <intrin.h>
@@ -6,7 +6,7 @@
 #include <cpuid.h>
 #endif
 
-namespace qilsys::hash {
+namespace qilsys {
 
 namespace {
 
@@ -65,4 +65,4 @@ CpuFeatures ReadCpuFeatures() {
   return features;
 }
 
-}  // namespace qilsys::hash
+}  // namespace qilsys

@@ -1,7 +1,7 @@
 /// Which instructions beyond the common ones this x86-64 processor has, and the system lets programs use.
 #pragma once
 
-namespace qilsys::hash {
+namespace qilsys {
 
 struct CpuFeatures {
   bool bmi2 = false;
@@ -12,4 +12,4 @@ struct CpuFeatures {
 
 CpuFeatures ReadCpuFeatures();
 
-}  // namespace qilsys::hash
+}  // namespace qilsys
