@@ -300,18 +300,24 @@ TEST_F(ResourceManagerTest, StopOnTheWorkerThreadRaisesTheThreadError) {
   EXPECT_EQ(Lines().back(), "Resource Manager: stopped");
 }
 
+/// Starts a member that is always over its limit, and whose handler ends the process with `Code`.
+template <int Code>
+void StartWithHandler(unsigned short port) {
+  ResourceManager::MemoryConfig memory;
+  memory.m_perProcessLimit = 1;
+  ResourceManager::GeneralConfig general;
+  general.m_logFunc = [](const TStringCore&) {};
+  general.m_terminateFunc = [](unsigned char, const TStringCore&) {};
+  general.m_terminateHandler = [] { std::_Exit(Code); };
+  general.m_startDelaySeconds = 1;
+  ResourceManager::Start(port, {}, memory, general);
+}
+
 TEST(ResourceManagerDeathTest, AThrowOutOfAReclaimFunctionEndsInTheHandler) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   EXPECT_EXIT(
       {
-        ResourceManager::MemoryConfig memory;
-        memory.m_perProcessLimit = 1;
-        ResourceManager::GeneralConfig general;
-        general.m_logFunc = [](const TStringCore&) {};
-        general.m_terminateFunc = [](unsigned char, const TStringCore&) {};
-        general.m_terminateHandler = [] { std::_Exit(19); };
-        general.m_startDelaySeconds = 1;
-        ResourceManager::Start(FreePort(), {}, memory, general);
+        StartWithHandler<19>(FreePort());
         ResourceManager::AddReclaimMemoryFunction(u"cache", [](double) { throw std::runtime_error("no"); });
         Eventually([] { return false; });
       },
@@ -323,13 +329,7 @@ TEST(ResourceManagerDeathTest, AFailedSendEndsInTheHandler) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   EXPECT_EXIT(
       {
-        ResourceManager::MemoryConfig memory;
-        memory.m_perProcessLimit = 1;
-        ResourceManager::GeneralConfig general;
-        general.m_logFunc = [](const TStringCore&) {};
-        general.m_terminateFunc = [](unsigned char, const TStringCore&) {};
-        general.m_terminateHandler = [] { std::_Exit(21); };
-        ResourceManager::Start(0, {}, memory, general);
+        StartWithHandler<21>(0);
         Eventually([] { return false; });
       },
       testing::ExitedWithCode(21), "");
