@@ -26,6 +26,13 @@ else()
   set(QILSYS_SYSTEM linux)
 endif()
 
+# Which processor's own instructions may be chosen from at run time: the suffix of the files that know them.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
+  set(QILSYS_PROCESSOR x86)
+else()
+  set(QILSYS_PROCESSOR generic)
+endif()
+
 if(MSVC)
   # The language as the standard has it; sources are UTF-8; the tables of tests are larger than an object may be by default.
   add_compile_options(/utf-8 /permissive- /Zc:__cplusplus /Zc:preprocessor /Zc:inline /EHsc /bigobj)
@@ -89,6 +96,7 @@ endfunction()
 function(qilsys_add_benchmark name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name}_benchmark ${arg_SOURCES})
+  target_include_directories(${name}_benchmark PRIVATE ${PROJECT_SOURCE_DIR}/benchmarks)
   target_link_libraries(${name}_benchmark PRIVATE qilsys_inside qilsys_warnings benchmark::benchmark_main ${arg_LIBRARIES})
   set_property(GLOBAL APPEND PROPERTY QILSYS_BENCHMARKS ${name}_benchmark)
   if(QILSYS_BUILD_TESTS)

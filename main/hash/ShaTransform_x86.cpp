@@ -6,9 +6,9 @@
 
 #include <utility>
 
+#include "cpu/CpuFeatures_x86.h"
 #include "hash/Sha512Quad_x86.h"
 #include "hash/ShaRounds.h"
-#include "qilsys/CpuFeatures_x86.h"
 
 #define QILSYS_WITH_SHA QILSYS_WITH_INSTRUCTIONS("sha,sse4.1,ssse3")
 
@@ -158,13 +158,14 @@ void Sha512Avx512(uint64_t* state, const unsigned char* blocks, size_t count) {
 }  // namespace
 
 size_t AddCpuShaTransforms(const ShaTransforms& portable, ShaTransforms* sets) {
-  const CpuFeatures cpu = ReadCpuFeatures();
+  const cpu::CpuFeatures features = cpu::ReadCpuFeatures();
   ShaTransforms best = portable;
   size_t count = 0;
-  if (cpu.bmi2) sets[count++] = best = {"bmi2", Sha1Bmi2, Sha256Bmi2, Sha512Bmi2};
-  if (cpu.bmi2 && cpu.avx2) sets[count++] = best = {"avx2", Sha1Bmi2, Sha256Bmi2, Sha512Avx2};
-  if (cpu.bmi2 && cpu.avx2 && cpu.avx512vl) sets[count++] = best = {"avx512", Sha1Bmi2, Sha256Bmi2, Sha512Avx512};
-  if (cpu.sha) sets[count++] = best = {"sha", Sha1Extension, Sha256Extension, best.sha512};
+  if (features.bmi2) sets[count++] = best = {"bmi2", Sha1Bmi2, Sha256Bmi2, Sha512Bmi2};
+  if (features.bmi2 && features.avx2) sets[count++] = best = {"avx2", Sha1Bmi2, Sha256Bmi2, Sha512Avx2};
+  if (features.bmi2 && features.avx2 && features.avx512vl)
+    sets[count++] = best = {"avx512", Sha1Bmi2, Sha256Bmi2, Sha512Avx512};
+  if (features.sha) sets[count++] = best = {"sha", Sha1Extension, Sha256Extension, best.sha512};
   return count;
 }
 

@@ -1,7 +1,7 @@
 #include "qilsys/TStringHash.h"
 
-#include "qilsys/Search.h"
 #include "qilsys/THash.h"
+#include "search/Search.h"
 
 std::size_t std::hash<TStringCore>::operator()(const TStringCore& text) const noexcept {
   const int units = qilsys::search::lengthToNul(text.data(), text.length());

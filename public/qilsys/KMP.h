@@ -5,7 +5,7 @@
 
 #include "qilsys/Export.h"
 #include "qilsys/TCodeUnit.h"
-#include "qilsys/TStringCore.h"
+#include "qilsys/TStringOptions.h"
 
 namespace KMP {
 
@@ -15,7 +15,7 @@ class QILSYS_API StringTable {
  public:
   /// Prepares `length` units of `pattern`, up to its NUL where `length` is negative; null gives an empty table. Raises
   /// TStringCore::CapacityException where the measured length is beyond the string limit.
-  StringTable(const TCodeUnit* pattern, int length, TStringCore::CaseSensitivity sensitivity);
+  StringTable(const TCodeUnit* pattern, int length, TStringOptions::CaseSensitivity sensitivity);
   StringTable(const StringTable& other);
   /// Keeps a table that is large enough; a larger one grows to at least half as much again.
   StringTable& operator=(const StringTable& other);
@@ -23,14 +23,14 @@ class QILSYS_API StringTable {
 
   const TCodeUnit* pattern() const noexcept { return m_pattern; }
   int patternLength() const noexcept { return m_patternLength; }
-  TStringCore::CaseSensitivity sensitivity() const noexcept { return m_sensitivity; }
+  TStringOptions::CaseSensitivity sensitivity() const noexcept { return m_sensitivity; }
   /// For each prefix of the pattern the index of the last unit of its longest proper border, -1 for none.
   const std::vector<int>& failureTable() const noexcept { return m_failureTable; }
 
  private:
   const TCodeUnit* m_pattern;
   int m_patternLength;
-  TStringCore::CaseSensitivity m_sensitivity;
+  TStringOptions::CaseSensitivity m_sensitivity;
   std::vector<int> m_failureTable;
 };
 

@@ -21,6 +21,7 @@ def listed_in(folder):
 def is_listed(path):
     names = [os.path.basename(path)]
     names += [re.sub(r'_(linux|win)\.cpp$', '_${QILSYS_SYSTEM}.cpp', names[0])]
+    names += [re.sub(r'_(x86|generic)\.cpp$', '_${QILSYS_PROCESSOR}.cpp', names[0])]
     if path.startswith('tests/support/'):
         return any(f'support/{n}' in read(f) for f in tracked('tests/*CMakeLists.txt') for n in names)
     return any(re.search(r'(?<![\w.-])' + re.escape(n) + r'(?![\w.-])', listed_in(os.path.dirname(path))) for n in names)

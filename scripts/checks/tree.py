@@ -6,8 +6,6 @@ import sys
 
 os.chdir(os.path.join(os.path.dirname(__file__), '..', '..'))
 
-AREAS = ('hash', 'memory', 'monitor', 'paths', 'qilsys', 'synchronize', 'system', 'thread')
-
 
 def tracked(*patterns):
     """Files that git knows, or would take in, and that still exist."""

@@ -3,20 +3,22 @@
 
 #include <cstddef>
 
-#include "qilsys/StringHeap.h"
+#include "string/StringHeap.h"
 
 namespace qilsys::test {
 
 /// Puts two functions in place of the heap of strings while it lives.
 class StringHeapGuard {
  public:
-  explicit StringHeapGuard(const StringHeap& heap) : m_kept(g_stringHeap) { g_stringHeap = heap; }
-  ~StringHeapGuard() { g_stringHeap = m_kept; }
+  explicit StringHeapGuard(const string::StringHeap& heap) : m_kept(string::g_stringHeap) {
+    string::g_stringHeap = heap;
+  }
+  ~StringHeapGuard() { string::g_stringHeap = m_kept; }
   StringHeapGuard(const StringHeapGuard&) = delete;
   StringHeapGuard& operator=(const StringHeapGuard&) = delete;
 
  private:
-  StringHeap m_kept;
+  string::StringHeap m_kept;
 };
 
 /// The real heap, counted, which gives nothing from the `n`-th request on.

@@ -1,0 +1,12 @@
+// The Windows sibling hands the text to the debugger.
+#include "base/DebugChannel_platform.h"
+
+#if !defined(__linux__)
+#error "This file is for Linux only."
+#endif
+
+#include <cstdio>
+
+void qilsys::base::WriteToDebugChannel(const char* text) noexcept {
+  static_cast<void>(std::fprintf(stderr, "%s\n", text));
+}

@@ -1,0 +1,74 @@
+#include "qilsys/TStringCore.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "qilsys/Unicode.h"
+#include "string/StringSum.h"
+
+using qilsys::string::SumOfLengths;
+
+TStringCore& TStringCore::append(const TStringCore& other) {
+  if (this == &other) {
+    appendFromSelf(0, length());
+    return *this;
+  }
+  const int before = length();
+  const int added = other.length();
+  TCodeUnit* units = resizeForWrite(SumOfLengths(before, added));
+  std::copy_n(other.constData(), added, units + before);
+  return *this;
+}
+
+TStringCore& TStringCore::append(const TCodeUnit* s, int len) {
+  appendHandleSelf(s, len);
+  return *this;
+}
+
+TStringCore& TStringCore::appendUnitSlow(TCodeUnit c) {
+  const int before = length();
+  resizeForWrite(SumOfLengths(before, 1))[before] = c;
+  return *this;
+}
+
+void TStringCore::appendHandleSelf(const TCodeUnit* s, int len) {
+  if (inSelf(s)) return appendFromSelf(static_cast<int>(s - constData()), len);
+  if (!s || len == 0) return;
+  if (len < 0) len = length(s);
+  if (len == 0) return;
+  const int before = length();
+  std::copy_n(s, len, resizeForWrite(SumOfLengths(before, len)) + before);
+}
+
+void TStringCore::appendFromSelf(int start, int count) {
+  const int before = length();
+  const int rest = before - start;
+  if (count < 0 || count > rest) count = rest;
+  if (count < 1) return;
+  TCodeUnit* units = resizeForWrite(SumOfLengths(before, count));
+  std::copy_n(units + start, count, units + before);
+}
+
+namespace {
+
+int LengthOfUtf8(const char* s, int len) {
+  if (!s) return 0;
+  if (len >= 0) return len;
+  const std::size_t bytes = std::strlen(s);
+  if (bytes > 0x7FFFFFFF) throw TStringCore::Exception(u"Appended string is too long");
+  return static_cast<int>(bytes);
+}
+
+}  // namespace
+
+// One unit a byte is always enough. What stands behind `at` is lost only once the room is there.
+TStringCore& TStringCore::writeUtf8(int at, const char* s, int len) {
+  len = LengthOfUtf8(s, len);
+  if (len == 0) {
+    if (at < length()) resizeForWrite(at);
+    return *this;
+  }
+  TCodeUnit* units = resizeForWrite(SumOfLengths(at, len));
+  resizeForWrite(at + Unicode::Utf8ToUtf16(s, len, units + at, capacity() - at));
+  return *this;
+}

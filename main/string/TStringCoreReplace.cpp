@@ -1,0 +1,147 @@
+#include "qilsys/TStringCore.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "qilsys/TCodePointIterator.h"
+#include "search/Search.h"
+#include "string/StringSum.h"
+
+namespace search = qilsys::search;
+
+TStringCore& TStringCore::replace(int pos, int n, const TCodeUnit* s, int len) {
+  if (pos < 0 || pos > length() || n < 0 || (!s && len != 0)) return *this;
+  if (len == 0) s = nullptr;
+  if (pos == 0 && n >= length()) return set(s, len);
+  const bool toEnd = n >= length() - pos;
+  if (!s) return toEnd ? truncate(pos) : removeAt(pos, n);
+  if (n == 0 && !toEnd) return insert(pos, s, len);
+  if (!inSelf(s)) return replaceRange(pos, n, s, len < 0 ? length(s) : len);
+  // Own text is copied first. Like any own text that is appended, it runs to the end of the text and not to a NUL.
+  const int rest = static_cast<int>(constData() + length() - s);
+  if (len < 0) len = toEnd ? rest : length(s);
+  const TStringCore copy(s, std::min(len, rest));
+  return replaceRange(pos, n, copy.constData(), copy.length());
+}
+
+// The text to put in lies outside this string.
+TStringCore& TStringCore::replaceRange(int pos, int n, const TCodeUnit* s, int len) {
+  const int before = length();
+  n = std::min(n, before - pos);
+  const int after = qilsys::string::SumOfLengths(before, len - n);
+  TCodeUnit* units = after > before || after < 0 ? resizeForWrite(after) : data();
+  std::char_traits<TCodeUnit>::move(units + pos + len, units + pos + n, static_cast<std::size_t>(before - pos - n));
+  std::copy_n(s, len, units + pos);
+  if (after < before) resizeForWrite(after);
+  return *this;
+}
+
+TStringCore& TStringCore::replace(int pos, int n, TCodeUnit c) {
+  if (pos < 0 || pos >= length() || n < 1) return *this;
+  n = std::min(n, length() - pos);
+  const int codePoints = subStringSizeInCodePoints(pos, n);
+  std::fill_n(data() + pos, codePoints, c);
+  return removeAt(pos + codePoints, n - codePoints);
+}
+
+TStringCore& TStringCore::replace(const CodePointIterator& at, int n, const TStringCore& text) {
+  return replace(at.codeUnitIndex, n, text);
+}
+
+TStringCore& TStringCore::replace(const CodePointIterator& at, int n, TCodeUnit c) {
+  return replace(at.codeUnitIndex, n, c);
+}
+
+TStringCore& TStringCore::replace(TCodeUnit before, TCodeUnit after) {
+  if (isShared() && search::findUnit(constData(), length(), before, 0) < 0) return *this;
+  constexpr int Step = 16;
+  TCodeUnit* unit = data();
+  TCodeUnit* const last = end();
+  for (; last - unit >= Step; unit += Step) {
+    for (int i = 0; i < Step; ++i) unit[i] = unit[i] == before ? after : unit[i];
+  }
+  std::replace(unit, last, before, after);
+  return *this;
+}
+
+TStringCore& TStringCore::replace(TCodeUnit before, const TStringCore& after) {
+  replaceCount(&before, 1, after.constData(), after.length(), CaseSensitive);
+  return *this;
+}
+
+TStringCore& TStringCore::replace(const TStringCore& before, const TStringCore& after, CaseSensitivity cs) {
+  replaceCount(before.constData(), before.length(), after.constData(), after.length(), cs);
+  return *this;
+}
+
+TStringCore& TStringCore::replace(const TCodeUnit* before, int beforeLen, const TCodeUnit* after, int afterLen,
+                                  CaseSensitivity cs) {
+  replaceCount(before, beforeLen, after, afterLen, cs);
+  return *this;
+}
+
+namespace {
+
+/// The matches of one needle, left to right and apart from one another.
+class Matches {
+ public:
+  Matches(const TCodeUnit* needle, int length, TStringCore::CaseSensitivity cs)
+      : m_needle(needle), m_length(length), m_cs(cs) {
+    search::buildFailureTable(needle, length, m_table, cs);
+  }
+
+  /// The first match at or after `from`, or -1.
+  int Next(const TCodeUnit* text, int textLength, int from) const {
+    const int at = search::kmpSearch(text + from, textLength - from, m_needle, m_length, m_table, m_cs);
+    return at < 0 ? -1 : from + at;
+  }
+
+ private:
+  const TCodeUnit* m_needle;
+  int m_length;
+  TStringCore::CaseSensitivity m_cs;
+  std::vector<int> m_table;
+};
+
+int OverwriteMatches(TStringCore& text, const Matches& matches, int first, const TCodeUnit* after, int n) {
+  TCodeUnit* const units = text.data();
+  int count = 0;
+  for (int at = first; at >= 0; at = matches.Next(units, text.length(), at + n)) {
+    std::copy_n(after, n, units + at);
+    ++count;
+  }
+  return count;
+}
+
+int RebuildMatches(TStringCore& text, const Matches& matches, int first, int n, const TCodeUnit* after, int afterLen) {
+  const TCodeUnit* const units = text.constData();
+  TStringCore work;
+  work.reserve(text.length());
+  int count = 0;
+  int done = 0;
+  for (int at = first; at >= 0; at = matches.Next(units, text.length(), done)) {
+    work.append(units + done, at - done).append(after, afterLen);
+    done = at + n;
+    ++count;
+  }
+  work.append(units + done, text.length() - done);
+  text = work;
+  return count;
+}
+
+}  // namespace
+
+int TStringCore::replaceCount(const TCodeUnit* before, int beforeLen, const TCodeUnit* after, int afterLen,
+                              CaseSensitivity cs) {
+  if (beforeLen < 1 || !before || beforeLen > length()) return 0;
+  afterLen = after ? std::max(afterLen, 0) : 0;
+  if (inSelf(before)) return replaceCount(TStringCore(before, beforeLen), beforeLen, after, afterLen, cs);
+  if (afterLen > 0 && inSelf(after)) {
+    return replaceCount(before, beforeLen, TStringCore(after, afterLen), afterLen, cs);
+  }
+  const Matches matches(before, beforeLen, cs);
+  const int first = matches.Next(constData(), length(), 0);
+  if (first < 0) return 0;
+  if (beforeLen == afterLen) return OverwriteMatches(*this, matches, first, after, afterLen);
+  return RebuildMatches(*this, matches, first, beforeLen, after, afterLen);
+}
