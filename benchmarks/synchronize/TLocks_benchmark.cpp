@@ -103,13 +103,13 @@ BENCHMARK(BM_Contended<Standard<std::recursive_mutex>>)->ThreadRange(1, 8)->UseR
 // divided by the most; 1 is fair, 0 means that one got none.
 template <class Lock>
 void BM_Fairness(benchmark::State& state) {
-  constexpr int s_threads = 4;
+  constexpr int Threads = 4;
   double evenness = 0;
   for (auto _ : state) {
     Lock lock;
     std::atomic<bool> stop{false};
-    std::vector<long> turns(s_threads);
-    const TCountdownEvent start(s_threads + 1);
+    std::vector<long> turns(Threads);
+    const TCountdownEvent start(Threads + 1);
     {
       std::vector<std::jthread> threads;
       for (long& mine : turns) {

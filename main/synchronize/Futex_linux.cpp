@@ -1,4 +1,4 @@
-#include "synchronize/Futex_platform.h"
+#include "synchronize/Futex_linux.h"
 
 #ifndef __linux__
 #error "This file calls Linux."
@@ -62,6 +62,6 @@ void FutexWakeOne(const TFutexWord* address) noexcept {
 
 }  // namespace qilsys::synchronize
 
-const bool SynchronizeForTest::s_ownsQueues = true;
+const bool SynchronizeForTest::OwnsQueues = true;
 
 void SynchronizeForTest::FailWaits(int error) { qilsys::synchronize::t_errorForTest = error; }

@@ -14,7 +14,7 @@ struct SynchronizeForTest {
   /// True where the queues of waiting threads are the library's own: a thread that is counted has arrived, and threads
   /// are released in the order of their arrival. False where they are the system's, which shows them to nobody and
   /// promises no order: a thread that is counted may be just before its wait.
-  static const bool s_ownsQueues;
+  static const bool OwnsQueues;
 
   /// Threads that wait for the event.
   static unsigned int Waiters(const TEvent& event);

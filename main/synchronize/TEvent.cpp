@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr char s_file[] = "main/synchronize/TEvent";
+constexpr char File[] = "main/synchronize/TEvent";
 
 }  // namespace
 
@@ -109,7 +109,7 @@ void TCancelEvent::Impl::Signal() const {
 void TCancelEvent::Impl::Add(RefCntPtr<TCancelEvent> child) const {
   const TScopedLock lock(m_mutex);
   const bool isNew = m_childEvents.insert(child).second;
-  QILSYS_LOGIC_ASSERT(isNew, "Attempted to insert duplicate event.", s_file, 94, 0x8DB0B7A4,
+  QILSYS_LOGIC_ASSERT(isNew, "Attempted to insert duplicate event.", File, 94, 0x8DB0B7A4,
                       "LogicException_LogicAssert_0x8DB0B7A4");
   if (IsSet()) {
     child->Signal();
@@ -119,7 +119,7 @@ void TCancelEvent::Impl::Add(RefCntPtr<TCancelEvent> child) const {
 void TCancelEvent::Impl::Remove(const RefCntPtr<TCancelEvent>& child) const {
   const TScopedLock lock(m_mutex);
   const auto it = m_childEvents.find(child);
-  QILSYS_LOGIC_ASSERT(it != m_childEvents.end(), "it != m_childEvents.end()", s_file, 106, 0xE1DDA3CC,
+  QILSYS_LOGIC_ASSERT(it != m_childEvents.end(), "it != m_childEvents.end()", File, 106, 0xE1DDA3CC,
                       "LogicException_LogicAssert_0xE1DDA3CC");
   if (it != m_childEvents.end()) {
     m_childEvents.erase(it);

@@ -4,19 +4,21 @@
 
 #include "qilsys/LogicException.h"
 #include "qilsys/TSystem.h"
+#include "synchronize/NoLimit.h"
 
 namespace {
 
+using qilsys::synchronize::NoLimit;
 using qilsys::synchronize::TPlatformEvent;
 
 // Reports name the place by this path on every system.
-constexpr char s_file[] = "main/synchronize/TEventBase_win";
+constexpr char File[] = "main/synchronize/TEventBase_win";
 
 std::string FailureText(const char* what) { return what + TSystem::GetLastErrorString().toStdString(); }
 
 std::uint32_t PlatformTimeout(std::chrono::milliseconds timeout) {
-  const std::int64_t limit = TPlatformEvent::s_noLimit;
-  return timeout.count() >= limit ? TPlatformEvent::s_noLimit : static_cast<std::uint32_t>(timeout.count());
+  const std::int64_t limit = NoLimit;
+  return timeout.count() >= limit ? NoLimit : static_cast<std::uint32_t>(timeout.count());
 }
 
 }  // namespace
@@ -32,7 +34,7 @@ void TEventBase::Signal() {
     RunCallbacks();
     return;
   }
-  ThrowLogicException(s_file, 51, FailureText("SetEvent() failed with error: ").c_str(),
+  ThrowLogicException(File, 51, FailureText("SetEvent() failed with error: ").c_str(),
                       QuillonError::MakeError(0xF2C0F1A4, "LogicException_LogicAssert_0xF2C0F1A4"));
 }
 
@@ -45,17 +47,17 @@ void TEventBase::RunCallbacks() {
 
 void TEventBase::Reset() {
   if (!m_event.Reset()) [[unlikely]] {
-    ThrowLogicException(s_file, 25, FailureText("ResetEvent() failed with error: ").c_str(),
+    ThrowLogicException(File, 25, FailureText("ResetEvent() failed with error: ").c_str(),
                         QuillonError::MakeError(0x6BBE359A, "LogicException_LogicAssert_0x6BBE359A"));
   }
 }
 
 bool TEventBase::IsSet() { return m_event.Wait(0); }
 
-bool TEventBase::Wait() { return m_event.Wait(TPlatformEvent::s_noLimit); }
+bool TEventBase::Wait() { return m_event.Wait(NoLimit); }
 
 bool TEventBase::Wait(std::chrono::milliseconds timeout) {
-  QILSYS_LOGIC_ASSERT(timeout.count() >= 0, "timeout.count() >= 0", s_file, 64, 0x65AA68CA,
+  QILSYS_LOGIC_ASSERT(timeout.count() >= 0, "timeout.count() >= 0", File, 64, 0x65AA68CA,
                       "LogicException_LogicAssert_0x65AA68CA");
   // A hook may have returned, and no time below zero can be waited for.
   return timeout.count() >= 0 && m_event.Wait(PlatformTimeout(timeout));

@@ -27,12 +27,10 @@ class TPlatformEvent {
   TPlatformEvent& operator=(const TPlatformEvent&) = delete;
   ~TPlatformEvent();
 
-  static constexpr std::uint32_t s_noLimit = 0xFFFFFFFF;
-
   bool Set();
   bool Reset();
   /// True if the event was or became set within the time; on auto reset this has taken the signal. 0 looks without
-  /// waiting.
+  /// waiting, NoLimit waits as long as it takes.
   bool Wait(std::uint32_t milliseconds);
 
   /// How many threads wait; see SynchronizeForTest.

@@ -5,6 +5,7 @@
 #error "This file is for Windows."
 #endif
 
+#include "synchronize/NoLimit.h"
 #include "synchronize/TWaitable_win.h"
 
 namespace qilsys::synchronize {
@@ -24,7 +25,7 @@ bool TPlatformEvent::Set() { return SetEvent(m_event.As<TWaitable>().Get()) != F
 bool TPlatformEvent::Reset() { return ResetEvent(m_event.As<TWaitable>().Get()) != FALSE; }
 
 bool TPlatformEvent::Wait(std::uint32_t milliseconds) {
-  static_assert(s_noLimit == INFINITE);
+  static_assert(NoLimit == INFINITE);
   return m_event.As<TWaitable>().Wait(milliseconds) == WAIT_OBJECT_0;
 }
 

@@ -12,7 +12,7 @@ using qilsys::synchronize::TCriticalSection;
 
 namespace {
 
-constexpr char s_file[] = "main/synchronize/TLocks";
+constexpr char File[] = "main/synchronize/TLocks";
 
 }  // namespace
 
@@ -45,7 +45,7 @@ TReadWriteLock::~TReadWriteLock() = default;
 void TReadWriteLock::Lock() {
   m_impl->m_section.Enter();
   QILSYS_LOGIC_ASSERT(m_impl->m_writerCount < std::numeric_limits<std::uint16_t>::max(),
-                      "m_writerCount < std::numeric_limits<decltype(m_writerCount)>::max()", s_file, 223, 0xA44EBAAD,
+                      "m_writerCount < std::numeric_limits<decltype(m_writerCount)>::max()", File, 223, 0xA44EBAAD,
                       "LogicException_LogicAssert_0xA44EBAAD");
   ++m_impl->m_writerCount;
   if (m_impl->m_readerCount != 0) {
@@ -56,7 +56,7 @@ void TReadWriteLock::Lock() {
 void TReadWriteLock::Impl::WaitForReaders() {
   while (m_readerCount != 0) {
     QILSYS_LOGIC_ASSERT(m_cv.Sleep(m_section), "SleepConditionVariableCS(&m_cv, mutex.native_handle(), 0xFFFFFFFF)",
-                        s_file, 151, 0xA4874C3A, "LogicException_LogicAssert_0xA4874C3A");
+                        File, 151, 0xA4874C3A, "LogicException_LogicAssert_0xA4874C3A");
   }
 }
 
@@ -72,7 +72,7 @@ void TReadWriteLock::Unlock() {
 void TReadWriteLock::LockRead() {
   m_impl->m_section.Enter();
   QILSYS_LOGIC_ASSERT(m_impl->m_readerCount < std::numeric_limits<std::uint16_t>::max(),
-                      "m_readerCount < std::numeric_limits<decltype(m_readerCount)>::max()", s_file, 245, 0x88DFEC71,
+                      "m_readerCount < std::numeric_limits<decltype(m_readerCount)>::max()", File, 245, 0x88DFEC71,
                       "LogicException_LogicAssert_0x88DFEC71");
   ++m_impl->m_readerCount;
   m_impl->m_section.Leave();

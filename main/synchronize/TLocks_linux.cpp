@@ -8,7 +8,7 @@
 #include <atomic>
 #include <thread>
 
-#include "synchronize/TWaitQueue.h"
+#include "synchronize/TWaitQueue_linux.h"
 
 namespace qilsys::synchronize {
 namespace {

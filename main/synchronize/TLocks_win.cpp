@@ -13,11 +13,11 @@
 namespace qilsys::synchronize {
 namespace {
 
-constexpr DWORD s_spinCount = 4000;
+constexpr DWORD SpinCount = 4000;
 
 // `m_depth` is the holder's, and 0 while nobody is inside.
 struct Section {
-  Section() { InitializeCriticalSectionEx(&m_section, s_spinCount, 0); }
+  Section() { InitializeCriticalSectionEx(&m_section, SpinCount, 0); }
   Section(const Section&) = delete;
   Section& operator=(const Section&) = delete;
   ~Section() { DeleteCriticalSection(&m_section); }

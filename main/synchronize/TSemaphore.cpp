@@ -5,14 +5,16 @@
 #include "qilsys/QuillonException.h"
 #include "qilsys/TError.h"
 #include "qilsys/TFormatStringCore.h"
+#include "synchronize/NoLimit.h"
 #include "synchronize/SynchronizeForTest.h"
 #include "synchronize/TSemaphore_platform.h"
 
 namespace {
 
+using qilsys::synchronize::NoLimit;
 using qilsys::synchronize::TPlatformSemaphore;
 
-constexpr std::uint32_t s_maximum = 0x7FFFFFFF;
+constexpr std::uint32_t Maximum = 0x7FFFFFFF;
 
 // The last error comes first: building the texts could change it.
 [[noreturn]] void ThrowSystemFailure(const char* format, unsigned int code, const char* codeName) {
@@ -40,7 +42,7 @@ class Semaphore final : public TSemaphore {
 };
 
 Semaphore::Semaphore(unsigned int count) {
-  if (!m_semaphore.Create(count, s_maximum)) {
+  if (!m_semaphore.Create(count, Maximum)) {
     ThrowSystemFailure("TSemaphore::Construct: error=%1", 0x0D655B98, "QuillonException_AutoGen_0x0D655B98");
   }
 }
@@ -52,7 +54,7 @@ bool Semaphore::Acquire(unsigned int timeoutMilliseconds) {
 }
 
 void Semaphore::Acquire() {
-  if (m_semaphore.Wait(TPlatformSemaphore::s_noLimit) == TPlatformSemaphore::WaitResult::Failed) {
+  if (m_semaphore.Wait(NoLimit) == TPlatformSemaphore::WaitResult::Failed) {
     ThrowSystemFailure("TSemaphore::Acquire: error=%1", 0x4B4D16D1, "QuillonException_AutoGen_0x4B4D16D1");
   }
 }

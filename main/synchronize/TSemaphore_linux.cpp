@@ -7,7 +7,7 @@
 
 #include <cerrno>
 
-#include "synchronize/TWaitQueue.h"
+#include "synchronize/TWaitQueue_linux.h"
 
 namespace qilsys::synchronize {
 namespace {

@@ -12,8 +12,6 @@ class TPlatformSemaphore {
  public:
   enum class WaitResult { Acquired, TimedOut, Failed };
 
-  static constexpr std::uint32_t s_noLimit = 0xFFFFFFFF;
-
   TPlatformSemaphore();
   TPlatformSemaphore(const TPlatformSemaphore&) = delete;
   TPlatformSemaphore& operator=(const TPlatformSemaphore&) = delete;
@@ -21,7 +19,7 @@ class TPlatformSemaphore {
 
   /// Called once, before everything else. False if `initial` is more than `maximum`.
   bool Create(std::uint32_t initial, std::uint32_t maximum);
-  /// 0 looks without waiting. `Failed` if the system can't wait.
+  /// 0 looks without waiting, NoLimit waits as long as it takes. `Failed` if the system can't wait.
   WaitResult Wait(std::uint32_t milliseconds);
   /// Gives one unit: to a thread that waits, if there is one, by the order of arrival where the system promises it.
   /// False at the maximum; the count stays.

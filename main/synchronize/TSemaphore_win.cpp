@@ -5,6 +5,7 @@
 #error "This file is for Windows."
 #endif
 
+#include "synchronize/NoLimit.h"
 #include "synchronize/TWaitable_win.h"
 
 namespace qilsys::synchronize {
@@ -23,7 +24,7 @@ bool TPlatformSemaphore::Create(std::uint32_t initial, std::uint32_t maximum) {
 }
 
 WaitResult TPlatformSemaphore::Wait(std::uint32_t milliseconds) {
-  static_assert(s_noLimit == INFINITE);
+  static_assert(NoLimit == INFINITE);
   switch (m_semaphore.As<TWaitable>().Wait(milliseconds)) {
     case WAIT_OBJECT_0:
       return WaitResult::Acquired;

@@ -1,4 +1,4 @@
-// On Linux, events and semaphores are made of TWaitQueue.cpp.
+// On Linux, events and semaphores are made of TWaitQueue_linux.cpp.
 #include "synchronize/TWaitable_win.h"
 
 #ifndef _WIN32
@@ -38,6 +38,6 @@ DWORD TWaitable::Wait(DWORD milliseconds) noexcept {
 
 }  // namespace qilsys::synchronize
 
-const bool SynchronizeForTest::s_ownsQueues = false;
+const bool SynchronizeForTest::OwnsQueues = false;
 
 void SynchronizeForTest::FailWaits(int error) { qilsys::synchronize::t_errorForTest = static_cast<DWORD>(error); }

@@ -27,7 +27,7 @@ class RefCntObjectNonVirtualBase {
   /// Adds an owner and returns the new count. Ends the process at 0x7FFFFFFF, since ownership is lost by then.
   int AddReference() const noexcept {
     const int count = m_refCount.fetch_add(1) + 1;
-    if (count == s_countLimit) [[unlikely]] {
+    if (count == CountLimit) [[unlikely]] {
       std::abort();
     }
     return count;
@@ -55,7 +55,7 @@ class RefCntObjectNonVirtualBase {
  private:
   friend T;
 
-  static constexpr int s_countLimit = 0x7FFFFFFF;
+  static constexpr int CountLimit = 0x7FFFFFFF;
 
   void SetRefCountToOne() const noexcept { m_refCount.store(1, std::memory_order_relaxed); }
 

@@ -141,7 +141,7 @@ def read_as_msvc(job):
 report = Report('msvc')
 for path in tracked('public/*.h', 'main/*.h', 'main/*.cpp', 'tests/*.h', 'tests/*.cpp', 'examples/*.h', 'examples/*.cpp',
                     'benchmarks/*.h', 'benchmarks/*.cpp', 'fuzz/*.cpp'):
-    if not re.search(r'_linux\.(h|cpp)$', path):
+    if not re.search(r'_linux(_test)?\.(h|cpp)$', path):
         check_text(report, path)
 
 BUILD = sys.argv[1] if len(sys.argv) > 1 else 'build/windows'

@@ -13,10 +13,10 @@ WINDOWS = re.compile(r'^[ \t]*#[ \t]*include[ \t]*[<"]((?:windows|win\w+|ws2\w+|
 report = Report('platform')
 for path in tracked('*.h', '*.cpp'):
     code = without_comments(read(path))
-    if not re.search(r'_win\.(h|cpp)$', path):
+    if not re.search(r'_win(_test)?\.(h|cpp)$', path):
         for match in WINDOWS.finditer(code):
             report.wrong(path, f'includes {match.group(1)}, which belongs in a _win file')
-    if not re.search(r'_(linux|win)\.(h|cpp)$', path):
+    if not re.search(r'_(linux|win)(_test)?\.(h|cpp)$', path):
         for match in SYSTEM.finditer(code):
             report.wrong(path, f'a conditional on {match.group(1)}; the system belongs in a _linux or _win file')
 report.finish()

@@ -31,7 +31,7 @@ def without_comments(text):
 def stem(path):
     """The concept that a file is about: its name without extension, role and system."""
     name = os.path.splitext(os.path.basename(path))[0]
-    return re.sub(r'_(test|benchmark|fuzz)$', '', re.sub(r'_(linux|win)$', '', name))
+    return re.sub(r'_(linux|win)$', '', re.sub(r'_(test|benchmark|fuzz)$', '', name))
 
 
 def _exceptions(check):

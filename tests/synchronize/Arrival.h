@@ -13,7 +13,7 @@ namespace qilsys::test {
 /// let all its threads go whatever came of it.
 template <class Attempt>
 bool OnceAllHaveArrived(Attempt attempt) {
-  if (SynchronizeForTest::s_ownsQueues) {
+  if (SynchronizeForTest::OwnsQueues) {
     return attempt(std::chrono::milliseconds(s_patience));
   }
   for (int i = 0; i < 20; ++i) {

@@ -92,32 +92,32 @@ unsigned int Waiters(const Event& event) {
 /// Makes an event of a kind that one signal sets, and says what is peculiar to the kind.
 template <class Event>
 struct EventKind {
-  static constexpr bool s_takesSignal = false;
-  static constexpr bool s_everySignalCounts = true;
+  static constexpr bool TakesSignal = false;
+  static constexpr bool EverySignalCounts = true;
   const Event& operator*() const { return m_event; }
   Event m_event;
 };
 
 template <>
 struct EventKind<TAutoResetEvent> {
-  static constexpr bool s_takesSignal = true;
-  static constexpr bool s_everySignalCounts = true;
+  static constexpr bool TakesSignal = true;
+  static constexpr bool EverySignalCounts = true;
   const TAutoResetEvent& operator*() const { return m_event; }
   TAutoResetEvent m_event;
 };
 
 template <>
 struct EventKind<TCountdownEvent> {
-  static constexpr bool s_takesSignal = false;
-  static constexpr bool s_everySignalCounts = false;
+  static constexpr bool TakesSignal = false;
+  static constexpr bool EverySignalCounts = false;
   const TCountdownEvent& operator*() const { return m_event; }
   TCountdownEvent m_event{1};
 };
 
 template <>
 struct EventKind<TCancelEvent> {
-  static constexpr bool s_takesSignal = false;
-  static constexpr bool s_everySignalCounts = true;
+  static constexpr bool TakesSignal = false;
+  static constexpr bool EverySignalCounts = true;
   const TCancelEvent& operator*() const { return *m_event; }
   RefCntPtr<TCancelEvent> m_event{new TCancelEvent};
 };

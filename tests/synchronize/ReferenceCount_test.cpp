@@ -344,13 +344,13 @@ TEST_F(RefCntPtrTest, IsAKeyOfHashedContainers) {
 
 // ---- Null dereferenced
 
-const CaughtAssertion s_nullDereferenced{"public/qilsys/ReferenceCount", 340, "Null pointer dereferenced", 0x00BF554A,
-                                         "LogicException_LogicAssert_0x00BF554A"};
+const CaughtAssertion NullDereferenced{"public/qilsys/ReferenceCount", 340, "Null pointer dereferenced", 0x00BF554A,
+                                       "LogicException_LogicAssert_0x00BF554A"};
 
 TEST(RefCntPtrNull, DereferencingIsAnAssertion) {
   const Ptr null;
-  EXPECT_EQ(CatchAssertion([&null] { static_cast<void>(null->m_value); }), s_nullDereferenced);
-  EXPECT_EQ(CatchAssertion([&null] { static_cast<void>((*null).m_value); }), s_nullDereferenced);
+  EXPECT_EQ(CatchAssertion([&null] { static_cast<void>(null->m_value); }), NullDereferenced);
+  EXPECT_EQ(CatchAssertion([&null] { static_cast<void>((*null).m_value); }), NullDereferenced);
 }
 
 TEST(RefCntPtrNull, WithoutHookItThrows) {

@@ -13,6 +13,7 @@
 #include "qilsys/TSemaphore.h"
 #include "support/Eventually.h"
 #include "support/OpenHandles.h"
+#include "support/RowName.h"
 #include "synchronize/SynchronizeForTest.h"
 
 namespace {
@@ -21,6 +22,7 @@ using namespace std::chrono_literals;
 using qilsys::test::Eventually;
 using qilsys::test::MostKeptByThreads;
 using qilsys::test::OpenHandles;
+using qilsys::test::RowName;
 
 void UseEvent() {
   const TEvent event(true);
@@ -71,10 +73,10 @@ void ContendForReadWriteLock() {
 }
 
 struct UseCase {
-  const char* m_name;
-  void (*m_use)();
-  int m_rounds;
-  unsigned int m_mostKept = 0;
+  const char* name;
+  void (*use)();
+  int rounds;
+  unsigned int mostKept = 0;
 };
 
 class OpenHandlesTest : public testing::TestWithParam<UseCase> {};
@@ -87,16 +89,16 @@ INSTANTIATE_TEST_SUITE_P(
                     UseCase{"SemaphoreThatCannotBeMade", FailToMakeSemaphore, 1000},
                     UseCase{"ContendedMutex", ContendForMutex, 50, MostKeptByThreads},
                     UseCase{"ContendedReadWriteLock", ContendForReadWriteLock, 50, MostKeptByThreads}),
-    [](const auto& row) { return std::string(row.param.m_name); });
+    RowName<UseCase>);
 
 // Once before it is counted: what is made once for the process may stay.
 TEST_P(OpenHandlesTest, AreNotLeftBehind) {
-  GetParam().m_use();
+  GetParam().use();
   const unsigned int before = OpenHandles();
-  for (int round = 0; round < GetParam().m_rounds; ++round) {
-    GetParam().m_use();
+  for (int round = 0; round < GetParam().rounds; ++round) {
+    GetParam().use();
   }
-  EXPECT_LE(OpenHandles(), before + GetParam().m_mostKept);
+  EXPECT_LE(OpenHandles(), before + GetParam().mostKept);
 }
 
 TEST(OpenHandles, CountAFileWhileItIsOpen) {
@@ -112,7 +114,7 @@ TEST(OpenHandles, CountAFileWhileItIsOpen) {
 
 // What makes the cases above able to fail, where events are objects of the system.
 TEST(OpenHandles, CountEventsAndSemaphoresThatLiveWhereTheyAreTheSystems) {
-  const unsigned int expected = OpenHandles() + (SynchronizeForTest::s_ownsQueues ? 0 : 2);
+  const unsigned int expected = OpenHandles() + (SynchronizeForTest::OwnsQueues ? 0 : 2);
   const TEvent event;
   const RefCntPtr<TSemaphore> semaphore = TSemaphore::Construct(0);
   EXPECT_EQ(OpenHandles(), expected);

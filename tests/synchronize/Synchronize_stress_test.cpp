@@ -15,18 +15,20 @@
 #include "qilsys/TSemaphore.h"
 #include "support/Latch.h"
 #include "support/Random.h"
+#include "support/RowName.h"
+#include "synchronize/NoLimit.h"
 #include "synchronize/TEventBase_platform.h"
 
 namespace {
 
 using namespace std::chrono_literals;
+using qilsys::synchronize::NoLimit;
 using qilsys::synchronize::TPlatformEvent;
 using qilsys::test::Latch;
 using qilsys::test::Rounds;
+using qilsys::test::RowName;
 using qilsys::test::SeededRandom;
 using std::chrono::milliseconds;
-
-constexpr auto s_noLimit = milliseconds(0xFFFFFFFF);
 
 // Gives the processor away now and then, in the middle of what others must not see half done.
 void Dawdle(SeededRandom& random) {
@@ -47,10 +49,10 @@ class Scenario {
 };
 
 struct StressCase {
-  const char* m_name;
-  int m_threads;
-  int m_rounds;
-  std::unique_ptr<Scenario> (*m_make)(int threads);
+  const char* name;
+  int threads;
+  int rounds;
+  std::unique_ptr<Scenario> (*make)(int threads);
 };
 
 template <class T>
@@ -62,12 +64,12 @@ class SynchronizeStressTest : public testing::TestWithParam<StressCase> {};
 
 TEST_P(SynchronizeStressTest, Holds) {
   const StressCase& row = GetParam();
-  const int rounds = Rounds(row.m_rounds);
-  const std::unique_ptr<Scenario> scenario = row.m_make(row.m_threads);
+  const int rounds = Rounds(row.rounds);
+  const std::unique_ptr<Scenario> scenario = row.make(row.threads);
   {
-    Latch start(row.m_threads);
+    Latch start(row.threads);
     std::vector<std::jthread> threads;
-    for (int thread = 0; thread < row.m_threads; ++thread) {
+    for (int thread = 0; thread < row.threads; ++thread) {
       threads.emplace_back([&, thread] {
         SeededRandom random(static_cast<std::uint64_t>(thread));
         start.ArriveAndWait();
@@ -167,7 +169,7 @@ class UnitsBoundThreads : public Scenario {
   void Round(int, SeededRandom& random) override {
     const unsigned int timeout = random.Between(0u, 1u);
     if (random.OneIn(3) ? m_semaphore->Acquire(timeout) : (m_semaphore->Acquire(), true)) {
-      m_tooMany += ++m_inside > s_units;
+      m_tooMany += ++m_inside > Units;
       Dawdle(random);
       --m_inside;
       m_semaphore->Release();
@@ -176,16 +178,16 @@ class UnitsBoundThreads : public Scenario {
 
   void Check(int) override {
     EXPECT_EQ(m_tooMany, 0);
-    for (int i = 0; i < s_units; ++i) {
+    for (int i = 0; i < Units; ++i) {
       EXPECT_TRUE(m_semaphore->TryAcquire());
     }
     EXPECT_FALSE(m_semaphore->TryAcquire());
   }
 
  private:
-  static constexpr int s_units = 2;
+  static constexpr int Units = 2;
 
-  const RefCntPtr<TSemaphore> m_semaphore = TSemaphore::Construct(s_units);
+  const RefCntPtr<TSemaphore> m_semaphore = TSemaphore::Construct(Units);
   std::atomic<int> m_inside{0};
   std::atomic<int> m_tooMany{0};
 };
@@ -320,7 +322,7 @@ class WaiterDestroysItsEvent : public Scenario {
     const auto event = std::make_unique<TPlatformEvent>(isManual ? TPlatformEvent::Kind::ManualReset
                                                                  : TPlatformEvent::Kind::AutoReset);
     m_event = event.get();
-    m_released += event->Wait(TPlatformEvent::s_noLimit) ? 1 : 0;
+    m_released += event->Wait(NoLimit) ? 1 : 0;
   }
 
   std::atomic<TPlatformEvent*> m_event{nullptr};
@@ -391,7 +393,7 @@ class WaitsForSeveral : public Scenario {
     m_events[1].Reset();
     unsigned int index = 2;
     m_asked.Signal();
-    m_wrong += forAll ? !WaitForAll(both, s_noLimit) : !WaitForAny(both, s_noLimit, index);
+    m_wrong += forAll ? !WaitForAll(both, milliseconds(NoLimit)) : !WaitForAny(both, milliseconds(NoLimit), index);
     m_wrong += forAll ? !(m_events[0].IsSet() && m_events[1].IsSet()) : index > 1;
     m_answered.Wait();
   }
@@ -402,7 +404,7 @@ class WaitsForSeveral : public Scenario {
   int m_wrong = 0;
 };
 
-const StressCase s_cases[] = {
+const StressCase Cases[] = {
     {"MutexTwoThreads", 2, 10000, Make<MutexCounts>},
     {"MutexEightThreads", 8, 10000, Make<MutexCounts>},
     {"ReadWriteTwoThreads", 2, 20000, Make<ReadersSeeWholeWrites>},
@@ -416,7 +418,6 @@ const StressCase s_cases[] = {
     {"WaitsForSeveral", 2, 2000, Make<WaitsForSeveral>},
 };
 
-INSTANTIATE_TEST_SUITE_P(Cases, SynchronizeStressTest, testing::ValuesIn(s_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+INSTANTIATE_TEST_SUITE_P(Cases, SynchronizeStressTest, testing::ValuesIn(Cases), RowName<StressCase>);
 
 }  // namespace

@@ -10,11 +10,14 @@
 #include "qilsys/TSystem.h"
 #include "support/CaughtAssertion.h"
 #include "support/Eventually.h"
+#include "support/RowName.h"
 #include "support/SystemError.h"
+#include "synchronize/NoLimit.h"
 
 namespace {
 
 using namespace std::chrono_literals;
+using qilsys::synchronize::NoLimit;
 using qilsys::synchronize::TPlatformEvent;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
@@ -22,6 +25,7 @@ using qilsys::test::Eventually;
 using qilsys::test::LastErrorNumber;
 using qilsys::test::NumberOf;
 using qilsys::test::RefusedWaits;
+using qilsys::test::RowName;
 using qilsys::test::ScopedAssertHook;
 using qilsys::test::SetLastErrorNumber;
 using qilsys::test::SystemError;
@@ -33,8 +37,8 @@ std::string TextOf(SystemError error) {
 }
 
 struct KindCase {
-  const char* m_name;
-  Kind m_kind;
+  const char* name;
+  Kind kind;
 };
 
 class TPlatformEventTest : public testing::TestWithParam<KindCase> {};
@@ -42,22 +46,22 @@ class TPlatformEventTest : public testing::TestWithParam<KindCase> {};
 INSTANTIATE_TEST_SUITE_P(Kinds, TPlatformEventTest,
                          testing::Values(KindCase{"ManualReset", Kind::ManualReset},
                                          KindCase{"AutoReset", Kind::AutoReset}),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         RowName<KindCase>);
 
 TEST_P(TPlatformEventTest, IsUnsetAtFirst) {
-  TPlatformEvent event(GetParam().m_kind);
+  TPlatformEvent event(GetParam().kind);
   EXPECT_FALSE(event.Wait(0));
 }
 
 TEST_P(TPlatformEventTest, AutoResetTakesTheSignalWithAPollToo) {
-  TPlatformEvent event(GetParam().m_kind);
+  TPlatformEvent event(GetParam().kind);
   EXPECT_TRUE(event.Set());
   EXPECT_TRUE(event.Wait(0));
-  EXPECT_EQ(event.Wait(0), GetParam().m_kind == Kind::ManualReset);
+  EXPECT_EQ(event.Wait(0), GetParam().kind == Kind::ManualReset);
 }
 
 TEST_P(TPlatformEventTest, ResetTakesAStoredSignalBack) {
-  TPlatformEvent event(GetParam().m_kind);
+  TPlatformEvent event(GetParam().kind);
   EXPECT_TRUE(event.Set());
   EXPECT_TRUE(event.Reset());
   EXPECT_FALSE(event.Wait(1));
@@ -66,10 +70,10 @@ TEST_P(TPlatformEventTest, ResetTakesAStoredSignalBack) {
 // Under a memory or thread checker this is what shows that a set touches nothing after it has released the waiter.
 TEST_P(TPlatformEventTest, TheWaiterThatASetHasReleasedMayDestroyTheEvent) {
   for (int round = 0; round < 200; ++round) {
-    auto owned = std::make_unique<TPlatformEvent>(GetParam().m_kind);
+    auto owned = std::make_unique<TPlatformEvent>(GetParam().kind);
     TPlatformEvent* const event = owned.get();
     std::jthread waiter([mine = std::move(owned)]() mutable {
-      mine->Wait(TPlatformEvent::s_noLimit);
+      mine->Wait(NoLimit);
       mine.reset();
     });
     if (round % 2 == 0) {
@@ -80,10 +84,10 @@ TEST_P(TPlatformEventTest, TheWaiterThatASetHasReleasedMayDestroyTheEvent) {
 }
 
 TEST_P(TPlatformEventTest, AWaitThatTheSystemRefusesIsFalse) {
-  TPlatformEvent event(GetParam().m_kind);
+  TPlatformEvent event(GetParam().kind);
   const RefusedWaits refused;
   EXPECT_FALSE(event.Wait(1000000));
-  EXPECT_FALSE(event.Wait(TPlatformEvent::s_noLimit));
+  EXPECT_FALSE(event.Wait(NoLimit));
   EXPECT_EQ(event.WaitersForTest(), 0u);
 }
 
@@ -125,7 +129,7 @@ TEST(TPlatformEvent, ThatCouldNotBeCreatedLeavesTheReasonWhateverIsAskedOfIt) {
   TPlatformEvent event(TPlatformEvent::NotCreated);
   for (const auto& ask : {+[](TPlatformEvent& e) { return e.Set(); }, +[](TPlatformEvent& e) { return e.Reset(); },
                           +[](TPlatformEvent& e) { return e.Wait(0); }, +[](TPlatformEvent& e) { return e.Wait(1); },
-                          +[](TPlatformEvent& e) { return e.Wait(TPlatformEvent::s_noLimit); }}) {
+                          +[](TPlatformEvent& e) { return e.Wait(NoLimit); }}) {
     SetLastErrorNumber(0);
     EXPECT_FALSE(ask(event));
     EXPECT_EQ(LastErrorNumber(), NumberOf(SystemError::InvalidHandle));

@@ -27,7 +27,7 @@ using qilsys::test::Waiters;
 using std::chrono::milliseconds;
 using Events = std::vector<IEvent*>;
 
-constexpr unsigned int s_untouched = 77;
+constexpr unsigned int Untouched = 77;
 
 // Does something at the moment of its registration: what happens to the events before it in a vector then happens
 // during the wait, at a known point.
@@ -63,11 +63,11 @@ TEST(WaitForAll, OfNothingIsTrueAtOnceWhateverTheTime) {
 }
 
 TEST(WaitForAny, OfNothingWaitsOutItsTimeAndIsFalse) {
-  unsigned int index = s_untouched;
+  unsigned int index = Untouched;
   const auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(WaitForAny({}, 40ms, index));
   EXPECT_GE(std::chrono::steady_clock::now() - start, 40ms - TickOfWaits());
-  EXPECT_EQ(index, s_untouched);
+  EXPECT_EQ(index, Untouched);
   EXPECT_FALSE(WaitForAny({}, 0ms));
 }
 
@@ -101,7 +101,7 @@ TEST(WaitForAny, TakesAMixtureOfEvents) {
   ModelEvent model;
   const Events events{&manual, &automatic, &countdown, cancel.get(), &model};
   for (unsigned int i = 0; i < events.size(); ++i) {
-    unsigned int index = s_untouched;
+    unsigned int index = Untouched;
     Events withTrigger = events;
     TriggerEvent trigger([&] { events[i]->Signal(); });
     withTrigger.push_back(&trigger);
@@ -114,16 +114,16 @@ TEST(WaitForAny, TakesAMixtureOfEvents) {
 TEST(WaitForAny, OfASetAutoResetEventIsFalseAndTheSignalIsGone) {
   TAutoResetEvent event;
   event.Signal();
-  unsigned int index = s_untouched;
+  unsigned int index = Untouched;
   EXPECT_FALSE(WaitForAny({&event}, 1ms, index));
-  EXPECT_EQ(index, s_untouched);
+  EXPECT_EQ(index, Untouched);
   EXPECT_FALSE(event.IsSet());
 }
 
 TEST(WaitForAny, ClaimsAnAutoResetSignalThatComesDuringTheWait) {
   TAutoResetEvent event;
   TriggerEvent trigger([&] { event.Signal(); });
-  unsigned int index = s_untouched;
+  unsigned int index = Untouched;
   EXPECT_TRUE(WaitForAny({&event, &trigger}, 0ms, index));
   EXPECT_EQ(index, 0u);
   EXPECT_FALSE(event.IsSet());
@@ -146,15 +146,15 @@ TEST(WaitForAny, AnotherWaiterTakesTheSignalAndThePositionIsLost) {
       event.Signal();  // Goes to the other waiter.
       event.Signal();  // Is not looked at any more.
     });
-    unsigned int index = s_untouched;
-    return !WaitForAny({&event, &trigger}, 1ms, index) && index == s_untouched && event.IsSet();
+    unsigned int index = Untouched;
+    return !WaitForAny({&event, &trigger}, 1ms, index) && index == Untouched && event.IsSet();
   }));
 }
 
 TEST(WaitForAny, GivesThePositionOfTheLastToFire) {
   TEvent a(true);
   TEvent b(true);
-  unsigned int index = s_untouched;
+  unsigned int index = Untouched;
   EXPECT_TRUE(WaitForAny({&a, &b}, 0ms, index));
   EXPECT_EQ(index, 1u);
 }
@@ -163,7 +163,7 @@ TEST(WaitForAny, AnEventThatFiresLaterStillClaimsAndOverwritesTheIndex) {
   TAutoResetEvent late;
   TEvent first(true);
   TriggerEvent trigger([&] { late.Signal(); });
-  unsigned int index = s_untouched;
+  unsigned int index = Untouched;
   EXPECT_TRUE(WaitForAny({&late, &first, &trigger}, 0ms, index));
   EXPECT_EQ(index, 0u);
   EXPECT_FALSE(late.IsSet());
@@ -177,7 +177,7 @@ TEST(WaitForAny, APositionFiresOnce) {
     b.Signal();
     a.Signal();  // Had its turn: the index stays with b.
   });
-  unsigned int index = s_untouched;
+  unsigned int index = Untouched;
   EXPECT_TRUE(WaitForAny({&a, &b, &trigger}, 0ms, index));
   EXPECT_EQ(index, 1u);
 }

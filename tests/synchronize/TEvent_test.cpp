@@ -73,7 +73,7 @@ TYPED_TEST(EveryEventTest, ASignalSetsIt) {
   const IEvent& event = *this->m_kind;
   event.Signal();
   EXPECT_TRUE(event.IsSet());
-  EXPECT_EQ(event.IsSet(), !this->m_kind.s_takesSignal);
+  EXPECT_EQ(event.IsSet(), !this->m_kind.TakesSignal);
 }
 
 TYPED_TEST(EveryEventTest, EveryFormOfWaitTreatsTheSignalAlike) {
@@ -82,7 +82,7 @@ TYPED_TEST(EveryEventTest, EveryFormOfWaitTreatsTheSignalAlike) {
     event.Reset();
     event.Signal();
     EXPECT_TRUE(event.Wait(timeout)) << timeout.count();
-    EXPECT_EQ(event.Wait(0ms), !this->m_kind.s_takesSignal) << timeout.count();
+    EXPECT_EQ(event.Wait(0ms), !this->m_kind.TakesSignal) << timeout.count();
   }
 }
 
@@ -90,7 +90,7 @@ TYPED_TEST(EveryEventTest, AWaitWithoutLimitIsTrueAtOnceWhenSet) {
   const IEvent& event = *this->m_kind;
   event.Signal();
   EXPECT_TRUE(event.Wait());
-  EXPECT_EQ(event.IsSet(), !this->m_kind.s_takesSignal);
+  EXPECT_EQ(event.IsSet(), !this->m_kind.TakesSignal);
 }
 
 TYPED_TEST(EveryEventTest, ResetUnsetsIt) {
@@ -115,7 +115,7 @@ TYPED_TEST(EveryEventTest, ASignalReleasesAThreadThatWaits) {
     (*this->m_kind).Signal();
   }
   EXPECT_EQ(this->m_released, 1);
-  EXPECT_EQ((*this->m_kind).IsSet(), !this->m_kind.s_takesSignal);
+  EXPECT_EQ((*this->m_kind).IsSet(), !this->m_kind.TakesSignal);
 }
 
 // Values that a careless narrowing would turn into a short wait.
@@ -142,7 +142,7 @@ TYPED_TEST(EveryEventTest, JustBelowTheLimitItWaits) {
 }
 
 TYPED_TEST(EveryEventTest, ASetFollowedAtOnceByAResetReleasesThoseThatWait) {
-  const int expected = this->m_kind.s_takesSignal ? 1 : 3;
+  const int expected = this->m_kind.TakesSignal ? 1 : 3;
   EXPECT_TRUE(OnceAllHaveArrived([&](milliseconds patience) {
     this->m_released = 0;
     std::vector<std::jthread> threads;
@@ -195,7 +195,7 @@ TYPED_TEST(EveryEventTest, CallbacksStayAndRunAgain) {
   (*this->m_kind).AddOnSignalCallback(&key, [&] { ++calls; });
   (*this->m_kind).Signal();
   (*this->m_kind).Signal();
-  EXPECT_EQ(calls, this->m_kind.s_everySignalCounts ? 2 : 1);
+  EXPECT_EQ(calls, this->m_kind.EverySignalCounts ? 2 : 1);
 }
 
 TYPED_TEST(EveryEventTest, EveryKeyHasItsCallback) {
@@ -258,7 +258,7 @@ TYPED_TEST(EveryEventTest, ACallbackMaySignalTheSameEvent) {
     }
   });
   (*this->m_kind).Signal();
-  EXPECT_EQ(calls, this->m_kind.s_everySignalCounts ? 3 : 1);
+  EXPECT_EQ(calls, this->m_kind.EverySignalCounts ? 3 : 1);
 }
 
 TYPED_TEST(EveryEventTest, AnEmptyFunctionRaisesOutOfSignalAndReleasesTheLock) {
@@ -359,7 +359,7 @@ TEST_F(TAutoResetEventTest, OneSignalReleasesOneThreadTheOneThatHasWaitedLongest
   (*m_kind).Signal();
   EXPECT_TRUE(Eventually([&] { return m_released == 1; }));
   EXPECT_EQ(Waiters(*m_kind), 1u);
-  EXPECT_TRUE(isFirstReleased || !SynchronizeForTest::s_ownsQueues);
+  EXPECT_TRUE(isFirstReleased || !SynchronizeForTest::OwnsQueues);
   (*m_kind).Signal();
 }
 

@@ -420,7 +420,7 @@ TEST_F(TConditionVariableTest, WakesOneAfterAnotherInTheOrderOfArrival) {
     expected.push_back(name);
     ASSERT_TRUE(Eventually([&] { return Order().size() >= expected.size(); }));
     EXPECT_EQ(Sleepers(), static_cast<unsigned int>(2 - name));
-    EXPECT_TRUE(Order() == expected || !SynchronizeForTest::s_ownsQueues);
+    EXPECT_TRUE(Order() == expected || !SynchronizeForTest::OwnsQueues);
   }
   std::vector<int> order = Order();
   std::sort(order.begin(), order.end());

@@ -14,31 +14,34 @@
 #include "qilsys/QuillonException.h"
 #include "support/CaughtAssertion.h"
 #include "support/Eventually.h"
+#include "support/RowName.h"
 #include "support/System.h"
 #include "support/SystemError.h"
+#include "synchronize/NoLimit.h"
 #include "synchronize/SynchronizeForTest.h"
 
 namespace {
 
+using qilsys::synchronize::NoLimit;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;
 using qilsys::test::NumberOf;
 using qilsys::test::OnceAllHaveArrived;
 using qilsys::test::RefusedWaits;
+using qilsys::test::RowName;
 using qilsys::test::SystemError;
 using qilsys::test::TickOfWaits;
 using SemaphorePtr = RefCntPtr<TSemaphore>;
 using ScopePtr = RefCntPtr<TSemaphoreScope>;
 
-constexpr unsigned int s_maximum = 0x7FFFFFFF;
-constexpr unsigned int s_noLimit = 0xFFFFFFFF;
+constexpr unsigned int Maximum = 0x7FFFFFFF;
 
 struct Failure {
-  const char* m_what;
-  SystemError m_error;
-  unsigned int m_code;
-  const char* m_codeName;
+  const char* what;
+  SystemError error;
+  unsigned int code;
+  const char* codeName;
 };
 
 template <class Action>
@@ -47,12 +50,12 @@ void ExpectFailure(Action action, const Failure& expected) {
     action();
     ADD_FAILURE() << "must raise";
   } catch (const QuillonException& e) {
-    const std::string message = expected.m_what + std::string(": error=") + std::to_string(NumberOf(expected.m_error));
+    const std::string message = expected.what + std::string(": error=") + std::to_string(NumberOf(expected.error));
     EXPECT_EQ(e.GetMessagesFront().toStdString(), message);
     ASSERT_EQ(e.GetRedactedMessages().size(), 1u);
     EXPECT_EQ(e.GetRedactedMessages().front().toStdString(), message);
-    EXPECT_EQ(e.GetErrorCode(), expected.m_code);
-    EXPECT_EQ(e.GetErrorName().toStdString(), expected.m_codeName);
+    EXPECT_EQ(e.GetErrorCode(), expected.code);
+    EXPECT_EQ(e.GetErrorName().toStdString(), expected.codeName);
     EXPECT_EQ(e.GetErrorSource(), TError::System);
     EXPECT_EQ(e.GetErrorInfo().GetStatusCode(), grpc::StatusCode::UNKNOWN);
   }
@@ -70,7 +73,7 @@ TEST(TSemaphore, OfZeroGivesNothingUntilARelease) {
 TEST(TSemaphore, GivesAsManyUnitsAsItHas) {
   const SemaphorePtr semaphore = TSemaphore::Construct(3);
   EXPECT_TRUE(semaphore->TryAcquire());
-  EXPECT_TRUE(semaphore->Acquire(s_noLimit));
+  EXPECT_TRUE(semaphore->Acquire(NoLimit));
   semaphore->Acquire();
   EXPECT_FALSE(semaphore->TryAcquire());
 }
@@ -86,8 +89,8 @@ TEST(TSemaphore, TimeRunsOutNotTooSoon) {
 }
 
 struct AcquireCase {
-  const char* m_name;
-  bool (*m_acquire)(TSemaphore& semaphore);
+  const char* name;
+  bool (*acquire)(TSemaphore& semaphore);
 };
 
 class TSemaphoreWaitTest : public testing::TestWithParam<AcquireCase> {};
@@ -99,16 +102,16 @@ INSTANTIATE_TEST_SUITE_P(
                                   semaphore.Acquire();
                                   return true;
                                 }},
-                    AcquireCase{"TheLimitItself", [](TSemaphore& semaphore) { return semaphore.Acquire(s_noLimit); }},
+                    AcquireCase{"TheLimitItself", [](TSemaphore& semaphore) { return semaphore.Acquire(NoLimit); }},
                     AcquireCase{"JustBelowTheLimit",
-                                [](TSemaphore& semaphore) { return semaphore.Acquire(s_noLimit - 1); }}),
-    [](const auto& row) { return std::string(row.param.m_name); });
+                                [](TSemaphore& semaphore) { return semaphore.Acquire(NoLimit - 1); }}),
+    RowName<AcquireCase>);
 
 TEST_P(TSemaphoreWaitTest, WaitsForARelease) {
   const SemaphorePtr semaphore = TSemaphore::Construct(0);
   bool result = false;
   {
-    std::jthread thread([&] { result = GetParam().m_acquire(*semaphore); });
+    std::jthread thread([&] { result = GetParam().acquire(*semaphore); });
     ASSERT_TRUE(Eventually([&] { return SynchronizeForTest::Waiters(*semaphore) == 1; }));
     semaphore->Release();
   }
@@ -119,7 +122,7 @@ TEST_P(TSemaphoreWaitTest, WaitsForARelease) {
 TEST_P(TSemaphoreWaitTest, AUnitThatWentToAWaiterCannotBeTakenByAnother) {
   const SemaphorePtr semaphore = TSemaphore::Construct(0);
   EXPECT_TRUE(OnceAllHaveArrived([&](std::chrono::milliseconds) {
-    const std::jthread thread([&] { GetParam().m_acquire(*semaphore); });
+    const std::jthread thread([&] { GetParam().acquire(*semaphore); });
     EXPECT_TRUE(Eventually([&] { return SynchronizeForTest::Waiters(*semaphore) == 1; }));
     semaphore->Release();
     const bool isTaken = semaphore->TryAcquire();
@@ -165,17 +168,17 @@ TEST_F(TSemaphoreOrderTest, AUnitGoesToOneWaiterInTheOrderOfArrival) {
     expected.push_back(name);
     ASSERT_TRUE(Eventually([&] { return Order().size() >= expected.size(); }));
     EXPECT_EQ(SynchronizeForTest::Waiters(*m_semaphore), static_cast<unsigned int>(2 - name));
-    EXPECT_TRUE(Order() == expected || !SynchronizeForTest::s_ownsQueues);
+    EXPECT_TRUE(Order() == expected || !SynchronizeForTest::OwnsQueues);
   }
   std::vector<int> order = Order();
   std::sort(order.begin(), order.end());
   EXPECT_EQ(order, expected);
 }
 
-TEST(TSemaphore, TheMaximumCanBeConstructed) { EXPECT_TRUE(TSemaphore::Construct(s_maximum)->TryAcquire()); }
+TEST(TSemaphore, TheMaximumCanBeConstructed) { EXPECT_TRUE(TSemaphore::Construct(Maximum)->TryAcquire()); }
 
 TEST(TSemaphore, MoreThanTheMaximumCannotBeConstructed) {
-  for (const unsigned int count : {s_maximum + 1, 0xFFFFFFFFu}) {
+  for (const unsigned int count : {Maximum + 1, 0xFFFFFFFFu}) {
     ExpectFailure([count] { TSemaphore::Construct(count); }, {"TSemaphore::Construct", SystemError::InvalidParameter,
                                                               0x0D655B98, "QuillonException_AutoGen_0x0D655B98"});
   }
@@ -184,7 +187,7 @@ TEST(TSemaphore, MoreThanTheMaximumCannotBeConstructed) {
 TEST(TSemaphore, AReleaseAtTheMaximumRaisesAndLeavesTheCount) {
   const Failure expected{"TSemaphore::Release", SystemError::TooManyUnits, 0x26B5EE1F,
                          "QuillonException_AutoGen_0x26B5EE1F"};
-  const SemaphorePtr semaphore = TSemaphore::Construct(s_maximum - 1);
+  const SemaphorePtr semaphore = TSemaphore::Construct(Maximum - 1);
   semaphore->Release();
   ExpectFailure([&] { semaphore->Release(); }, expected);
   ExpectFailure([&] { semaphore->Release(); }, expected);
@@ -205,7 +208,7 @@ TEST(TSemaphore, ATimedAcquireThatTheSystemRefusesIsFalse) {
   const SemaphorePtr semaphore = TSemaphore::Construct(0);
   const RefusedWaits refused;
   EXPECT_FALSE(semaphore->Acquire(1000000));
-  EXPECT_FALSE(semaphore->Acquire(s_noLimit));
+  EXPECT_FALSE(semaphore->Acquire(NoLimit));
 }
 
 // ---- Scopes ----
@@ -272,7 +275,7 @@ TEST(TSemaphoreScope, ANullSemaphoreIsAnAssertion) {
 }
 
 TEST(TSemaphoreScope, AFullSemaphoreRefusesTheUnitInResetAndTheDestructorIsSilent) {
-  const SemaphorePtr semaphore = TSemaphore::Construct(s_maximum);
+  const SemaphorePtr semaphore = TSemaphore::Construct(Maximum);
   {
     const ScopePtr scope(new TSemaphoreScope(semaphore));
     semaphore->Release();

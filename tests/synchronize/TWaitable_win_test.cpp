@@ -13,7 +13,7 @@ using qilsys::synchronize::TWaitable;
 using qilsys::test::Eventually;
 using qilsys::test::RefusedWaits;
 
-constexpr DWORD s_times[] = {0, 1, INFINITE};
+constexpr DWORD Times[] = {0, 1, INFINITE};
 
 HANDLE MakeEvent() { return CreateEventW(nullptr, TRUE, FALSE, nullptr); }
 
@@ -34,14 +34,14 @@ void ExpectFailure(TWaitable& waitable, DWORD milliseconds, DWORD error) {
 
 TEST(TWaitable, WithoutAHandleEveryWaitFails) {
   TWaitable none(nullptr);
-  for (const DWORD time : s_times) {
+  for (const DWORD time : Times) {
     ExpectFailure(none, time, ERROR_INVALID_HANDLE);
   }
 }
 
 TEST(TWaitable, AWaitThatTheHandleDoesNotAllowFails) {
   TWaitable waitable(MakeEventThatMayNotBeWaitedFor());
-  for (const DWORD time : s_times) {
+  for (const DWORD time : Times) {
     ExpectFailure(waitable, time, ERROR_ACCESS_DENIED);
   }
 }

@@ -1,4 +1,4 @@
-#include "synchronize/TWaitQueue.h"
+#include "synchronize/TWaitQueue_linux.h"
 
 #include <gtest/gtest.h>
 

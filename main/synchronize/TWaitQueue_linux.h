@@ -7,8 +7,12 @@
 /// may destroy the owner.
 #pragma once
 
-#include "synchronize/Futex_platform.h"
-#include "synchronize/TFutexLock.h"
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
+#include "synchronize/Futex_linux.h"
+#include "synchronize/TFutexLock_linux.h"
 
 namespace qilsys::synchronize {
 

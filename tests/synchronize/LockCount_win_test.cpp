@@ -4,15 +4,17 @@
 
 #include <string>
 
+#include "support/RowName.h"
+
 namespace {
 
 using qilsys::synchronize::HasWaiters;
-
+using qilsys::test::RowName;
 struct LockCountCase {
-  const char* m_name;
-  LONG m_lockCount;
-  LONG m_entries;
-  bool m_hasWaiters;
+  const char* name;
+  LONG lockCount;
+  LONG entries;
+  bool hasWaiters;
 };
 
 class LockCountTest : public testing::TestWithParam<LockCountCase> {};
@@ -26,10 +28,10 @@ INSTANTIATE_TEST_SUITE_P(
                     LockCountCase{"TakenFromOneWhoWasWoken", -8, 1, true}, LockCountCase{"FiveWait", -22, 1, true},
                     LockCountCase{"PlainHeld", 0, 1, false}, LockCountCase{"PlainHeldTwice", 1, 2, false},
                     LockCountCase{"PlainOneWaits", 1, 1, true}, LockCountCase{"PlainHeldTwiceAndOneWaits", 2, 2, true}),
-    [](const auto& row) { return std::string(row.param.m_name); });
+    RowName<LockCountCase>);
 
 TEST_P(LockCountTest, SaysWhetherAThreadWaits) {
-  EXPECT_EQ(HasWaiters(GetParam().m_lockCount, GetParam().m_entries), GetParam().m_hasWaiters);
+  EXPECT_EQ(HasWaiters(GetParam().lockCount, GetParam().entries), GetParam().hasWaiters);
 }
 
 }  // namespace

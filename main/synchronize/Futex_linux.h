@@ -1,9 +1,15 @@
 /// What every waiting primitive here is made of: sleep while a word has a value, wake what sleeps on an address.
 #pragma once
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+
+#include "synchronize/NoLimit.h"
 
 namespace qilsys::synchronize {
 
@@ -12,13 +18,11 @@ using TFutexWord = std::atomic<std::uint32_t>;
 /// A point of the monotonic clock, so that changes of the wall clock neither cut nor stretch a wait.
 class TDeadline {
  public:
-  static constexpr std::uint32_t s_noLimit = 0xFFFFFFFF;
-
   static TDeadline Never() { return TDeadline(); }
-  /// `s_noLimit` milliseconds is the same as Never().
+  /// `NoLimit` milliseconds is the same as Never().
   static TDeadline After(std::uint32_t milliseconds) {
     TDeadline deadline;
-    deadline.m_isLimited = milliseconds != s_noLimit;
+    deadline.m_isLimited = milliseconds != NoLimit;
     if (deadline.m_isLimited) {
       deadline.m_time = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
     }

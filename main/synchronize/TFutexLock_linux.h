@@ -1,7 +1,11 @@
 /// A lock of one word, for sections of a few instructions and as the base of the critical section.
 #pragma once
 
-#include "synchronize/Futex_platform.h"
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
+#include "synchronize/Futex_linux.h"
 
 namespace qilsys::synchronize {
 

@@ -1,4 +1,4 @@
-#include "synchronize/TFutexLock.h"
+#include "synchronize/TFutexLock_linux.h"
 
 #include <gtest/gtest.h>
 
