@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "base/SystemError_platform.h"
 #include "qilsys/LogicException.h"
-#include "qilsys/TSystem.h"
 #include "synchronize/NoLimit.h"
 
 namespace {
@@ -14,7 +14,9 @@ using qilsys::synchronize::TPlatformEvent;
 // Reports name the place by this path on every system.
 constexpr char File[] = "main/synchronize/TEventBase_win";
 
-std::string FailureText(const char* what) { return what + TSystem::GetLastErrorString().toStdString(); }
+std::string FailureText(const char* what) {
+  return what + qilsys::base::SystemErrorText(qilsys::base::LastSystemError());
+}
 
 std::uint32_t PlatformTimeout(std::chrono::milliseconds timeout) {
   const std::int64_t limit = NoLimit;

@@ -8,7 +8,7 @@
 namespace qilsys::synchronize {
 
 /// An unnamed event, unset at first. Operations that fail return false and leave the reason as the thread's last
-/// error, which TSystem::GetLastErrorString reads.
+/// error.
 ///
 /// A set event is handed to the threads that are waiting at that moment, whatever becomes of the state afterwards: all
 /// of them on manual reset, one on auto reset, where an event that nobody waits for stays set for one waiter to come.

@@ -1,9 +1,9 @@
 // Waiting for several events at once, by callbacks: so it works over any mixture of them.
+#include "qilsys/TEvent.h"
+
 #include <atomic>
 #include <functional>
 #include <vector>
-
-#include "qilsys/TEvent.h"
 
 namespace {
 

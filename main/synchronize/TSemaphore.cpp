@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/SystemError_platform.h"
 #include "qilsys/QuillonException.h"
 #include "qilsys/TError.h"
 #include "qilsys/TFormatStringCore.h"
@@ -18,7 +19,7 @@ constexpr std::uint32_t Maximum = 0x7FFFFFFF;
 
 // The last error comes first: building the texts could change it.
 [[noreturn]] void ThrowSystemFailure(const char* format, unsigned int code, const char* codeName) {
-  const unsigned int lastError = TPlatformSemaphore::LastError();
+  const auto lastError = static_cast<unsigned int>(qilsys::base::LastSystemError());
   throw QuillonException(
       TFormatStringCore(format).arg(lastError),
       TError::ErrorInfo(QuillonError::MakeError(code, codeName), TError::System, grpc::StatusCode::UNKNOWN));

@@ -93,8 +93,6 @@ bool TPlatformSemaphore::Release() {
   return true;
 }
 
-unsigned int TPlatformSemaphore::LastError() { return static_cast<unsigned int>(errno); }
-
 unsigned int TPlatformSemaphore::WaitersForTest() {
   Semaphore& semaphore = m_semaphore.As<Semaphore>();
   const TFutexGuard guard(semaphore.m_lock);

@@ -25,9 +25,6 @@ class TPlatformSemaphore {
   /// False at the maximum; the count stays.
   bool Release();
 
-  /// The calling thread's last error, by the system's own number.
-  static unsigned int LastError();
-
   /// How many threads wait; see SynchronizeForTest.
   unsigned int WaitersForTest();
 

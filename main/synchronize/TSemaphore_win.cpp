@@ -37,8 +37,6 @@ WaitResult TPlatformSemaphore::Wait(std::uint32_t milliseconds) {
 
 bool TPlatformSemaphore::Release() { return ReleaseSemaphore(m_semaphore.As<TWaitable>().Get(), 1, nullptr) != FALSE; }
 
-unsigned int TPlatformSemaphore::LastError() { return GetLastError(); }
-
 unsigned int TPlatformSemaphore::WaitersForTest() { return m_semaphore.As<TWaitable>().WaitersForTest(); }
 
 }  // namespace qilsys::synchronize

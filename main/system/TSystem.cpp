@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/SystemError_platform.h"
 #include "system/CodePage.h"
 #include "system/TSystem_platform.h"
 
@@ -50,6 +51,8 @@ unsigned int TSystem::AppUpTime() {
   return static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<double>(count) * s_factor));
 }
 
-TStringCore TSystem::GetLastErrorString() { return qilsys::ErrorText(qilsys::LastErrorNumber()); }
+TStringCore TSystem::GetLastErrorString() {
+  return TStringCore::fromStdString(qilsys::base::SystemErrorText(qilsys::base::LastSystemError()));
+}
 
 TStringCore TSystem::unmangleClassName(char const* name) { return TStringCore::fromUtf8(name); }

@@ -9,10 +9,8 @@
 #include <locale.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <memory>
-#include <system_error>
 #include <thread>
 #include <type_traits>
 
@@ -50,9 +48,3 @@ std::uint64_t qilsys::PerformanceCount() {
 }
 
 std::uint64_t qilsys::PerformanceFrequency() { return std::nano::den; }
-
-int qilsys::LastErrorNumber() { return errno; }
-
-TStringCore qilsys::ErrorText(int number) {
-  return TStringCore::fromLocal8Bit(std::system_category().message(number).c_str());
-}

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "qilsys/TStringCore.h"
 #include "system/MachineMemory.h"
 
 namespace qilsys {
@@ -25,10 +24,5 @@ std::uint32_t PageSize();
 /// A counter that only moves forward, and by how much in a second. The latter stays the same.
 std::uint64_t PerformanceCount();
 std::uint64_t PerformanceFrequency();
-
-/// The calling thread's last error number.
-int LastErrorNumber();
-/// The system's own text for an error number, without a line break.
-TStringCore ErrorText(int number);
 
 }  // namespace qilsys

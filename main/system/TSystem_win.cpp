@@ -7,8 +7,6 @@
 
 #include <windows.h>
 
-#include <array>
-
 unsigned int qilsys::CurrentProcessId() { return GetCurrentProcessId(); }
 
 unsigned long long qilsys::CurrentThreadId() { return GetCurrentThreadId(); }
@@ -33,16 +31,4 @@ std::uint64_t qilsys::PerformanceFrequency() {
   LARGE_INTEGER frequency{};
   QueryPerformanceFrequency(&frequency);
   return static_cast<std::uint64_t>(frequency.QuadPart);
-}
-
-int qilsys::LastErrorNumber() { return static_cast<int>(GetLastError()); }
-
-// Asked for in units, since the process's code page may lack letters of the system's language. The texts end in a line
-// break and blanks, which say nothing.
-TStringCore qilsys::ErrorText(int number) {
-  std::array<wchar_t, 1024> text;
-  constexpr DWORD Flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
-  const DWORD length = FormatMessageW(Flags, nullptr, static_cast<DWORD>(number), 0, text.data(),
-                                      static_cast<DWORD>(text.size()), nullptr);
-  return TStringCore(text.data(), static_cast<int>(length)).trimRight();
 }
