@@ -55,8 +55,9 @@ void TReadWriteLock::Lock() {
 
 void TReadWriteLock::Impl::WaitForReaders() {
   while (m_readerCount != 0) {
-    QILSYS_LOGIC_ASSERT(m_cv.Sleep(m_section), "SleepConditionVariableCS(&m_cv, mutex.native_handle(), 0xFFFFFFFF)",
-                        File, 151, 0xA4874C3A, "LogicException_LogicAssert_0xA4874C3A");
+    const bool isWoken = m_cv.Sleep(m_section);
+    QILSYS_LOGIC_ASSERT(isWoken, "SleepConditionVariableCS(&m_cv, mutex.native_handle(), 0xFFFFFFFF)", File, 151,
+                        0xA4874C3A, "LogicException_LogicAssert_0xA4874C3A");
   }
 }
 
