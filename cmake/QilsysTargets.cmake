@@ -76,11 +76,17 @@ else()
                                                    $<$<BOOL:${QILSYS_WARNINGS_AS_ERRORS}>:-Werror>)
 endif()
 
-# Adds a test program NAME_tests from SOURCES; it links the compiled code itself, so that it sees inside.
+# Adds a test program NAME_tests from SOURCES; it links the compiled code itself, so that it sees inside. With OUTSIDE it
+# links the shared library, as a host does.
 function(qilsys_add_tests name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+  cmake_parse_arguments(arg "OUTSIDE" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name}_tests ${arg_SOURCES})
-  target_link_libraries(${name}_tests PRIVATE qilsys_inside qilsys_warnings qilsys_test_support GTest::gtest_main
+  if(arg_OUTSIDE)
+    set(library qilsys::qilsys)
+  else()
+    set(library qilsys_inside)
+  endif()
+  target_link_libraries(${name}_tests PRIVATE ${library} qilsys_warnings qilsys_test_support GTest::gtest_main
                                               ${arg_LIBRARIES})
   if(QILSYS_TESTS_ONE_BY_ONE)
     # Rows of tables carry their name in the name of the test; their bytes say nothing more.

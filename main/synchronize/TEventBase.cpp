@@ -27,8 +27,6 @@ std::uint32_t PlatformTimeout(std::chrono::milliseconds timeout) {
 
 TEventBase::TEventBase(Kind kind) : m_event(kind) {}
 
-TEventBase::TEventBase(TPlatformEvent::NotCreatedTag tag) : m_event(tag) {}
-
 TEventBase::~TEventBase() = default;
 
 void TEventBase::Signal() {

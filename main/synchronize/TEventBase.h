@@ -14,8 +14,6 @@ class TEventBase {
   using Kind = TPlatformEvent::Kind;
 
   explicit TEventBase(Kind kind);
-  /// A base whose event could not be created.
-  explicit TEventBase(TPlatformEvent::NotCreatedTag);
   TEventBase(const TEventBase&) = delete;
   TEventBase& operator=(const TEventBase&) = delete;
   ~TEventBase();

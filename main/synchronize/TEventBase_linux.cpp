@@ -6,7 +6,6 @@
 #endif
 
 #include <atomic>
-#include <cerrno>
 
 #include "synchronize/TWaitQueue_linux.h"
 
@@ -20,8 +19,7 @@ namespace {
 // true: a waiter that went by that could destroy the event before its setter has unlocked. The lock orders what was
 // written before a set, so the accesses themselves are relaxed. A set event has an empty queue.
 struct Event {
-  explicit Event(bool created, TPlatformEvent::Kind kind)
-      : m_isCreated(created), m_isManual(kind == TPlatformEvent::Kind::ManualReset) {}
+  explicit Event(TPlatformEvent::Kind kind) : m_isManual(kind == TPlatformEvent::Kind::ManualReset) {}
 
   bool Poll();
   bool TakeIfSet();
@@ -29,7 +27,6 @@ struct Event {
 
   TFutexLock m_lock;
   std::atomic<bool> m_isSet{false};
-  const bool m_isCreated;
   const bool m_isManual;
   TWaitQueue m_waiters;
 };
@@ -71,35 +68,19 @@ bool SleepOn(Event& event, const TDeadline& deadline) {
   return event.m_waiters.Wait(waiter, event.m_lock, deadline) == FutexResult::Woken;
 }
 
-bool IsCreated(const Event& event) {
-  if (!event.m_isCreated) {
-    errno = EBADF;
-  }
-  return event.m_isCreated;
-}
-
 }  // namespace
 
-TPlatformEvent::TPlatformEvent(Kind kind) { m_event.Construct<Event>(true, kind); }
-
-TPlatformEvent::TPlatformEvent(NotCreatedTag) { m_event.Construct<Event>(false, Kind::ManualReset); }
+TPlatformEvent::TPlatformEvent(Kind kind) { m_event.Construct<Event>(kind); }
 
 TPlatformEvent::~TPlatformEvent() { m_event.Destroy<Event>(); }
 
 bool TPlatformEvent::Set() {
-  Event& event = m_event.As<Event>();
-  if (!IsCreated(event)) {
-    return false;
-  }
-  TWaitQueue::Release(event.SetAndTake());
+  TWaitQueue::Release(m_event.As<Event>().SetAndTake());
   return true;
 }
 
 bool TPlatformEvent::Reset() {
   Event& event = m_event.As<Event>();
-  if (!IsCreated(event)) {
-    return false;
-  }
   const TFutexGuard guard(event.m_lock);
   event.m_isSet.store(false, std::memory_order_relaxed);
   return true;
@@ -107,9 +88,6 @@ bool TPlatformEvent::Reset() {
 
 bool TPlatformEvent::Wait(std::uint32_t milliseconds) {
   Event& event = m_event.As<Event>();
-  if (!IsCreated(event)) {
-    return false;
-  }
   return event.Poll() || (milliseconds != 0 && SleepOn(event, TDeadline::After(milliseconds)));
 }
 

@@ -17,12 +17,9 @@ namespace qilsys::synchronize {
 class TPlatformEvent {
  public:
   enum class Kind { ManualReset, AutoReset };
-  enum NotCreatedTag { NotCreated };
 
   /// Creation isn't checked: an event that could not be created fails to be set and reset, and waits are false.
   explicit TPlatformEvent(Kind kind);
-  /// An event whose creation has failed.
-  explicit TPlatformEvent(NotCreatedTag);
   TPlatformEvent(const TPlatformEvent&) = delete;
   TPlatformEvent& operator=(const TPlatformEvent&) = delete;
   ~TPlatformEvent();

@@ -16,8 +16,6 @@ TPlatformEvent::TPlatformEvent(Kind kind) {
   m_event.Construct<TWaitable>(CreateEventW(nullptr, manualReset, FALSE, nullptr));
 }
 
-TPlatformEvent::TPlatformEvent(NotCreatedTag) { m_event.Construct<TWaitable>(nullptr); }
-
 TPlatformEvent::~TPlatformEvent() { m_event.Destroy<TWaitable>(); }
 
 bool TPlatformEvent::Set() { return SetEvent(m_event.As<TWaitable>().Get()) != FALSE; }
