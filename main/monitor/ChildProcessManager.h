@@ -1,3 +1,4 @@
+/// The children of the host, whose use is counted as its own.
 #pragma once
 
 #include <functional>

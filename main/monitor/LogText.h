@@ -1,3 +1,4 @@
+/// How the log lines write numbers of bytes.
 #pragma once
 
 #include <locale>

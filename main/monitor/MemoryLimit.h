@@ -1,3 +1,4 @@
+/// A per-process limit derived from the size of the machine: the arithmetic apart from asking for that size.
 #pragma once
 
 #include <cstdint>

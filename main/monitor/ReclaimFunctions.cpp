@@ -5,22 +5,28 @@
 #include "qilsys/LogicException.h"
 #include "qilsys/TFormatStringCore.h"
 
+namespace {
+
+constexpr char File[] = "main/monitor/ReclaimFunctions";
+
+}  // namespace
+
 ReclaimFunctions::ReclaimFunctions(const TStringCore& name) : m_name(name) {}
 
 void ReclaimFunctions::Add(const TStringCore& name, std::function<void(double)> func) {
-  QILSYS_LOGIC_ASSERT(func, "func", "main/monitor/ReclaimFunctions", 19, 0x90402CEB,
-                      "LogicException_LogicAssert_0x90402CEB");
+  QILSYS_LOGIC_ASSERT(func, "func", File, 19, 0x90402CEB, "LogicException_LogicAssert_0x90402CEB");
   if (!func) return;
   TScopedLock lock(m_lock);
-  QILSYS_LOGIC_ASSERT(m_functions.insert(std::make_pair(name, func)).second,
-                      "m_functions.insert(std::make_pair(name, func)).second", "main/monitor/ReclaimFunctions", 23,
-                      0x4A8DFC55, "LogicException_LogicAssert_0x4A8DFC55");
+  const bool inserted = m_functions.try_emplace(name, std::move(func)).second;
+  QILSYS_LOGIC_ASSERT(inserted, "m_functions.insert(std::make_pair(name, func)).second", File, 23, 0x4A8DFC55,
+                      "LogicException_LogicAssert_0x4A8DFC55");
 }
 
 void ReclaimFunctions::Remove(const TStringCore& name) {
   TScopedLock lock(m_lock);
-  QILSYS_LOGIC_ASSERT(m_functions.erase(name) > 0, "m_functions.erase(name) > 0", "main/monitor/ReclaimFunctions", 31,
-                      0x559557CC, "LogicException_LogicAssert_0x559557CC");
+  const bool erased = m_functions.erase(name) > 0;
+  QILSYS_LOGIC_ASSERT(erased, "m_functions.erase(name) > 0", File, 31, 0x559557CC,
+                      "LogicException_LogicAssert_0x559557CC");
 }
 
 bool ReclaimFunctions::Reclaim(std::function<void(const TStringCore&)> logFunc, double argument) {

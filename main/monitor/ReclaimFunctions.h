@@ -1,3 +1,4 @@
+/// The callbacks by which a host gives processor time or memory back.
 #pragma once
 
 #include <functional>

@@ -10,12 +10,12 @@
 
 namespace {
 
-constexpr const char* g_file = "main/monitor/ResourceManager";
+constexpr char File[] = "main/monitor/ResourceManager";
 
 // What every function that needs a started manager begins with: false if there is none and the assertion's hook
 // returns.
 bool RequireStarted(const ResourceManagerImpl* singleton, int line, unsigned int code, const char* codeName) {
-  QILSYS_LOGIC_ASSERT(singleton, "s_singleton", g_file, line, code, codeName);
+  QILSYS_LOGIC_ASSERT(singleton, "s_singleton", File, line, code, codeName);
   return singleton != nullptr;
 }
 
@@ -26,9 +26,9 @@ ResourceManagerImpl* ResourceManager::s_singleton = nullptr;
 // The implementation is stored before it starts: one that can't start stays in place until Stop.
 void ResourceManager::Start(unsigned short port, const CpuConfig& cpuConfig, const MemoryConfig& memoryConfig,
                             const GeneralConfig& generalConfig) {
-  QILSYS_LOGIC_ASSERT(generalConfig.m_logFunc != nullptr, "generalConfig.m_logFunc != nullptr", g_file, 32, 0x726F85B0,
+  QILSYS_LOGIC_ASSERT(generalConfig.m_logFunc != nullptr, "generalConfig.m_logFunc != nullptr", File, 32, 0x726F85B0,
                       "LogicException_LogicAssert_0x726F85B0");
-  QILSYS_LOGIC_ASSERT(generalConfig.m_terminateFunc != nullptr, "generalConfig.m_terminateFunc != nullptr", g_file, 34,
+  QILSYS_LOGIC_ASSERT(generalConfig.m_terminateFunc != nullptr, "generalConfig.m_terminateFunc != nullptr", File, 34,
                       0x7A7F6F49, "LogicException_LogicAssert_0x7A7F6F49");
   if (!generalConfig.m_logFunc || !generalConfig.m_terminateFunc || s_singleton != nullptr) return;
   s_singleton = new ResourceManagerImpl(cpuConfig, memoryConfig, generalConfig);

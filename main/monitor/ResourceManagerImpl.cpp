@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr char File[] = "main/monitor/ResourceManagerImpl";
+
 // How many checks make the sustained time. Settings that make no sense count as none, so that the buffer of the rolling
 // mean has room for one sample at least. It needs no room for more where there is no rolling mean, and "for ever" is
 // then a sustained time like any other.
@@ -80,8 +82,7 @@ bool ResourceManagerImpl::LogLimits() {
 
 void ResourceManagerImpl::StartListening(unsigned short port) {
   Log(u"Resource Manager: listening on port " + TStringCore::number(port));
-  QILSYS_LOGIC_ASSERT(!m_ipc, "!m_ipc", "main/monitor/ResourceManagerImpl", 94, 0x5D944982,
-                      "LogicException_LogicAssert_0x5D944982");
+  QILSYS_LOGIC_ASSERT(!m_ipc, "!m_ipc", File, 94, 0x5D944982, "LogicException_LogicAssert_0x5D944982");
   if (m_ipc) return;
   m_ipc = std::make_unique<ResourceIpc>(
       port, [this](const ResourceValuesV2& values) { OnValues(values); }, m_general.m_logFunc,
@@ -89,8 +90,7 @@ void ResourceManagerImpl::StartListening(unsigned short port) {
 }
 
 void ResourceManagerImpl::StartWorker() {
-  QILSYS_LOGIC_ASSERT(!m_worker, "!m_worker", "main/monitor/ResourceManagerImpl", 101, 0xCF38B12E,
-                      "LogicException_LogicAssert_0xCF38B12E");
+  QILSYS_LOGIC_ASSERT(!m_worker, "!m_worker", File, 101, 0xCF38B12E, "LogicException_LogicAssert_0xCF38B12E");
   if (m_worker) return;
   m_worker = std::make_unique<std::thread>([this] { Work(); });
 }
@@ -160,7 +160,7 @@ void ResourceManagerImpl::Send(const ResourceValuesV2& values) {
   const bool known = ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2;
   QILSYS_LOGIC_ASSERT(known,
                       "ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2",
-                      "main/monitor/ResourceManagerImpl", 479, 0x044A63AC, "LogicException_LogicAssert_0x044A63AC");
+                      File, 479, 0x044A63AC, "LogicException_LogicAssert_0x044A63AC");
   if (m_rvVersion == ResourceValuesVersion::VER_1) m_ipc->Send(Narrow(values));
   if (m_rvVersion == ResourceValuesVersion::VER_2) m_ipc->Send(values);
 }

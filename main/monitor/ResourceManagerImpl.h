@@ -1,3 +1,4 @@
+/// The decision maker of the monitor: what one member of a group samples, tells, hears, judges and asks for.
 #pragma once
 
 #include <boost/circular_buffer.hpp>

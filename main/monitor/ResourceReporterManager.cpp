@@ -4,6 +4,12 @@
 
 #include "qilsys/LogicException.h"
 
+namespace {
+
+constexpr char File[] = "main/monitor/ResourceReporterManager";
+
+}  // namespace
+
 ResourceReporterManager& ResourceReporterManager::Get() {
   static ResourceReporterManager s_manager;
   return s_manager;
@@ -16,10 +22,11 @@ void ResourceReporterManager::Add(ResourceReporter* reporter) {
 
 void ResourceReporterManager::Remove(ResourceReporter* reporter) {
   TScopedLock lock(m_lock);
-  const auto el = std::find(m_reporters.begin(), m_reporters.end(), reporter);
-  QILSYS_LOGIC_ASSERT(el != m_reporters.end(), "el != mng.m_reporters.end()", "main/monitor/ResourceReporterManager",
-                      39, 0xD0963F53, "LogicException_LogicAssert_0xD0963F53");
-  if (el != m_reporters.end()) m_reporters.erase(el);
+  const auto found = std::find(m_reporters.begin(), m_reporters.end(), reporter);
+  const bool isRegistered = found != m_reporters.end();
+  QILSYS_LOGIC_ASSERT(isRegistered, "el != mng.m_reporters.end()", File, 39, 0xD0963F53,
+                      "LogicException_LogicAssert_0xD0963F53");
+  if (isRegistered) m_reporters.erase(found);
 }
 
 void ResourceReporterManager::ReportAll(unsigned int seconds) {

@@ -1,3 +1,4 @@
+/// Who is called beside the periodic log lines and the lines of an excess.
 #pragma once
 
 #include <vector>

@@ -1,3 +1,4 @@
+/// Joining a thread that may be the calling one.
 #pragma once
 
 #include <system_error>
