@@ -1,10 +1,8 @@
 #include "monitor/ResourceManagerImpl.h"
 
-#include <boost/uuid/uuid_io.hpp>
+#include <chrono>
 
-#include "monitor/Duration.h"
 #include "monitor/LogText.h"
-#include "monitor/ResourceReporterManager.h"
 #include "monitor/ThreadJoin.h"
 #include "qilsys/LogicException.h"
 #include "qilsys/TSystem.h"
@@ -21,12 +19,8 @@ std::size_t WindowOf(const ResourceManager::CpuConfig& cpu, const ResourceManage
   return static_cast<std::size_t>(cpu.m_sustainedSeconds / general.m_checkIntervalSeconds);
 }
 
-TStringCore ProcessLine(const ResourceValuesV2& values) {
-  return u"Resource Manager: pid: " + TStringCore::number(std::uint32_t{values.pid}) + u"; Memory info: " +
-         BytesText(values.memoryBytes) + u"; Memory limit usage: " +
-         TStringCore::number(unsigned{values.memoryLimitPercent}) + u"%; CPU info: " +
-         TStringCore::number(unsigned{values.cpuPercent}) + u"%; uuid=" +
-         TStringCore::fromStdString(boost::uuids::to_string(UuidOf(values)));
+ResourceValuesVersion VersionOf(const ResourceManager::GeneralConfig& general) {
+  return general.m_useVersion1 ? ResourceValuesVersion::VER_1 : ResourceValuesVersion::VER_2;
 }
 
 }  // namespace
@@ -34,6 +28,12 @@ TStringCore ProcessLine(const ResourceValuesV2& values) {
 ResourceManagerImpl::ResourceManagerImpl(const ResourceManager::CpuConfig& cpu,
                                          const ResourceManager::MemoryConfig& memory,
                                          const ResourceManager::GeneralConfig& general)
+    : ResourceManagerImpl(cpu, memory, general,
+                          MakeOwnValues(VersionOf(general), TSystem::ProcessID(), general.m_checkIntervalSeconds)) {}
+
+ResourceManagerImpl::ResourceManagerImpl(const ResourceManager::CpuConfig& cpu,
+                                         const ResourceManager::MemoryConfig& memory,
+                                         const ResourceManager::GeneralConfig& general, const ResourceValuesV2& own)
     : m_cpu(cpu),
       m_memory(memory),
       m_general(general),
@@ -41,9 +41,9 @@ ResourceManagerImpl::ResourceManagerImpl(const ResourceManager::CpuConfig& cpu,
       m_cpuReclaim(u"CPU"),
       m_memoryReclaim(u"memory"),
       m_cpuWindow(WindowOf(cpu, general) + 1),
-      m_rvVersion(general.m_useVersion1 ? ResourceValuesVersion::VER_1 : ResourceValuesVersion::VER_2) {
-  m_ownValues = MakeOwnValues(m_rvVersion, TSystem::ProcessID(), general.m_checkIntervalSeconds);
-}
+      m_ownValues(own),
+      m_rvVersion(VersionOf(general)),
+      m_identity(UuidOf(own)) {}
 
 // A thread that can't be joined must not end the process through its handle on top of the failure.
 ResourceManagerImpl::~ResourceManagerImpl() noexcept(false) {
@@ -103,14 +103,6 @@ void ResourceManagerImpl::StopThreads() {
   m_ipc.reset();
 }
 
-std::pair<unsigned char, unsigned long long> ResourceManagerImpl::GetCpuAndMemoryUsage() {
-  TScopedLock lock(m_peersLock);
-  const auto own = m_peers.find(UuidOf(m_ownValues));
-  if (own == m_peers.end()) return {0, 0};
-  const ResourceValuesV2& values = own->second.m_values;
-  return {values.cpuPercent, std::uint64_t{values.memoryBytes}};
-}
-
 double ResourceManagerImpl::GetMemoryPressure() {
   const MonitoredProcess self;
   return static_cast<double>(m_children.GetMemoryUsage() + self.GetMemoryUsage()) /
@@ -123,75 +115,3 @@ std::int64_t ResourceManagerImpl::GetSteadyTime() {
 }
 
 std::int64_t ResourceManagerImpl::GetReportTime() { return GetSteadyTime(); }
-
-void ResourceManagerImpl::UpdateResourceValues(MonitoredProcess& self, ResourceValuesV2& values) {
-  if (CpuPolicyInForce()) {
-    // Processors below their top clock have headroom: the process then counts as idle, and the next reading covers the
-    // whole time since the last one.
-    if (MonitoredProcess::IsCpuAtMaxFrequency()) {
-      SetCpuFigures(values, m_children.GetCpuUsage(), self.GetCpuUsage());
-    } else {
-      values.cpuPercent = 0;
-    }
-  }
-  if (MemoryPolicyInForce()) SetMemoryFigures(values, m_children.GetMemoryUsage() + self.GetMemoryUsage());
-  Send(values);
-  PurgePeers();
-}
-
-void ResourceManagerImpl::SetCpuFigures(ResourceValuesV2& values, unsigned int childrenPercent,
-                                        unsigned char ownPercent) const {
-  PercentSum sum;
-  sum.Add(static_cast<unsigned char>(childrenPercent));
-  sum.Add(ownPercent);
-  values.cpuPercent = sum.Limited();
-}
-
-void ResourceManagerImpl::SetMemoryFigures(ResourceValuesV2& values, unsigned long long bytes) const {
-  values.memoryBytes = bytes;
-  values.memoryLimitPercent = PercentOfLimit(bytes, m_memory.m_perProcessLimit);
-}
-
-unsigned long long ResourceManagerImpl::GetTotalMemoryUsed() {
-  return m_memory.m_totalMemoryFunc ? m_memory.m_totalMemoryFunc() : TSystem::Memory().m_usedPhysical;
-}
-
-void ResourceManagerImpl::Send(const ResourceValuesV2& values) {
-  const bool known = ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2;
-  QILSYS_LOGIC_ASSERT(known,
-                      "ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2",
-                      File, 479, 0x044A63AC, "LogicException_LogicAssert_0x044A63AC");
-  if (m_rvVersion == ResourceValuesVersion::VER_1) m_ipc->Send(Narrow(values));
-  if (m_rvVersion == ResourceValuesVersion::VER_2) m_ipc->Send(values);
-}
-
-void ResourceManagerImpl::OnValues(const ResourceValuesV2& values) {
-  PeerRecord record{values, GetReportTime()};
-  if (values.reportIntervalSeconds == 0) {
-    record.m_values.reportIntervalSeconds = static_cast<std::uint8_t>(m_general.m_checkIntervalSeconds);
-  }
-  TScopedLock lock(m_peersLock);
-  m_peers[UuidOf(values)] = record;
-}
-
-void ResourceManagerImpl::PurgePeers() {
-  const std::int64_t now = GetReportTime();
-  const boost::uuids::uuid own = UuidOf(m_ownValues);
-  TScopedLock lock(m_peersLock);
-  std::erase_if(m_peers, [&](const auto& entry) {
-    const auto& [uuid, peer] = entry;
-    return uuid != own && now >= peer.m_receivedAt + NanosecondsOf(peer.m_values.reportIntervalSeconds);
-  });
-}
-
-void ResourceManagerImpl::ReportAll() {
-  ResourceReporterManager::Get().ReportAll(m_general.m_infoEveryChecks *
-                                           static_cast<std::uint32_t>(m_general.m_checkIntervalSeconds));
-}
-
-void ResourceManagerImpl::LogAllProcesses(const ResourceValuesV2& values) {
-  Log(u"Resource Manager: Logging all CPU/memory info across processes.");
-  Log(ProcessLine(values));
-  TScopedLock lock(m_peersLock);
-  ForEachPeer([this](const ResourceValuesV2& peer) { Log(ProcessLine(peer)); });
-}

@@ -1,9 +1,11 @@
 /// The decision maker of the monitor: what one member of a group samples, tells, hears, judges and asks for.
 #pragma once
 
+#include <array>
 #include <boost/circular_buffer.hpp>
 #include <boost/uuid/uuid.hpp>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <map>
@@ -37,11 +39,12 @@ class ResourceManagerImpl {
  public:
   /// Where the worker stands between two waits.
   struct WorkerState {
-    enum class Stage { Waiting, ReclaimingCpu, ReclaimingMemory };
-
-    Stage m_stage = Stage::Waiting;
-    unsigned int m_counter = 0;
-    bool m_logInfo = false;
+    /// The resource that is being checked, by its place among the policies.
+    std::size_t policy = 0;
+    /// Its reclaim functions have been called, and the wait was for them to take effect.
+    bool isReclaiming = false;
+    unsigned int counter = 0;
+    bool logInfo = false;
   };
 
   /// The time to wait before the next step; nothing when the worker is to end.
@@ -78,6 +81,10 @@ class ResourceManagerImpl {
   double GetMemoryPressure();
 
  protected:
+  /// The same for a member that begins with the record `own`, and has its identity from it.
+  ResourceManagerImpl(const ResourceManager::CpuConfig& cpu, const ResourceManager::MemoryConfig& memory,
+                      const ResourceManager::GeneralConfig& general, const ResourceValuesV2& own);
+
   /// The steady clock in nanoseconds.
   virtual std::int64_t GetSteadyTime();
 
@@ -112,54 +119,83 @@ class ResourceManagerImpl {
 
   /// True while this process may go on. `logInfo` asks for the periodic line.
   bool IsBelowCpuThreshold(const ResourceValuesV2& values, bool logInfo);
+  /// The same for memory. Spelt so on purpose: hosts search their logs for this name, which a log line gives.
   bool IsBelowMemoryThreashold(const ResourceValuesV2& values, bool logInfo);
 
-  /// The whole of a reclaim, with its wait on the stop event: true when the resource was won back.
+  /// A reclaim in one piece, for callers that don't step: what `Advance` does, with its wait on the stop event. True
+  /// when the resource was won back.
   bool ReclaimCpu(MonitoredProcess& self, ResourceValuesV2& values);
   bool ReclaimMemory(MonitoredProcess& self, ResourceValuesV2& values);
 
-  /// The two halves of a reclaim. The first runs the functions: false if there are none. The second, when they have
-  /// had their time, judges: `given` tells that they were given it.
-  bool AskToReclaimCpu();
-  bool AskToReclaimMemory(const ResourceValuesV2& values);
-  bool JudgeCpuReclaim(MonitoredProcess& self, ResourceValuesV2& values, bool given);
-  bool JudgeMemoryReclaim(MonitoredProcess& self, ResourceValuesV2& values, bool given);
-
+  /// One line for each member, this one, of `values`, first.
   void LogAllProcesses(const ResourceValuesV2& values);
 
-  ResourceManager::CpuConfig m_cpu;
-  ResourceManager::MemoryConfig m_memory;
-  ResourceManager::GeneralConfig m_general;
+  // Set once, by the constructor.
+  const ResourceManager::CpuConfig m_cpu;
+  const ResourceManager::MemoryConfig m_memory;
+  const ResourceManager::GeneralConfig m_general;
+
+  // Under m_peersLock.
   std::map<boost::uuids::uuid, PeerRecord> m_peers;
+
+  // Each under a lock of its own, so that any thread may call them.
   ChildProcessManager m_children;
   ReclaimFunctions m_cpuReclaim;
   ReclaimFunctions m_memoryReclaim;
+
+  // The thread that starts and stops. The worker sends by m_ipc, which is there before it and goes after it.
   std::unique_ptr<ResourceIpc> m_ipc;
   std::unique_ptr<std::thread> m_worker;
+  /// Has never been made; who makes one finds it joined.
   std::unique_ptr<std::thread> m_secondWorker;
+
+  // Any thread.
   TRecursiveMutex m_peersLock;
   TEvent m_stopEvent;
+
+  // The worker only.
   boost::circular_buffer<double> m_cpuWindow;
   double m_cpuMean = 0.0;
   std::int64_t m_highCpuSince = s_notHigh;
   ResourceValuesV2 m_ownValues;
+
+  // Set once, by the constructor.
   ResourceValuesVersion m_rvVersion;
+  /// That of `m_ownValues`, which other threads must not look at.
+  const boost::uuids::uuid m_identity;
 
  private:
-  /// The group's CPU use as this member sees it.
-  struct GroupCpu {
-    unsigned int m_total;
-    bool m_highest;
-    std::size_t m_infoCount;
-  };
-  /// The group's memory use as this member sees it.
-  struct GroupMemory {
-    unsigned long long m_total;
-    bool m_highest;
-    std::size_t m_infoCount;
+  /// What a lock of `m_peersLock` looks like to a function that needs it.
+  using PeersLock = TScopedLock<TRecursiveMutex>;
+
+  /// All in which the two resources differ, but the decision itself.
+  struct Policy {
+    bool isInForce;
+    bool (ResourceManagerImpl::*isBelow)(const ResourceValuesV2& values, bool logInfo);
+    ReclaimFunctions& functions;
+    /// What the functions are called with.
+    double (ResourceManagerImpl::*argument)(const ResourceValuesV2& values) const;
+    bool terminateOnExcess;
+    unsigned char terminateCode;
+    // The log lines of a reclaim that helped, of one that did not, and of an excess that may not end the process; and
+    // the reason that the host is given for ending it.
+    const char16_t* reclaimed;
+    const char16_t* notReclaimed;
+    const char16_t* notTerminating;
+    const char16_t* terminating;
   };
 
-  void Log(const TStringCore& line) { m_general.m_logFunc(line); }
+  /// What the group uses, as this member sees it.
+  struct GroupUse {
+    unsigned long long total;
+    bool isHighest;
+    std::size_t infoCount;
+  };
+
+  Policy CpuPolicy();
+  Policy MemoryPolicy();
+
+  void Log(const TStringCore& line) const { m_general.m_logFunc(line); }
   void ReportAll();
 
   bool LogLimits();
@@ -168,34 +204,47 @@ class ResourceManagerImpl {
   void Work();
   std::chrono::milliseconds CheckInterval() const;
 
-  NextWait Pass(WorkerState& state, MonitoredProcess& self);
-  NextWait CheckCpu(WorkerState& state, MonitoredProcess& self);
-  NextWait AfterCpuReclaim(WorkerState& state, MonitoredProcess& self, bool reclaimed);
-  NextWait CheckMemory(WorkerState& state, MonitoredProcess& self);
-  NextWait AfterMemoryReclaim(WorkerState& state, bool reclaimed);
-  NextWait EndPass(WorkerState& state);
-  bool CpuExcessEndsWorker();
-  bool MemoryExcessEndsWorker();
+  bool AskToReclaim(const Policy& policy, const ResourceValuesV2& values);
+  bool JudgeReclaim(const Policy& policy, MonitoredProcess& self, ResourceValuesV2& values, bool hadTime);
+  bool Reclaim(const Policy& policy, MonitoredProcess& self, ResourceValuesV2& values);
+  bool ExcessEndsWorker(const Policy& policy);
 
-  GroupCpu SumGroupCpu(const ResourceValuesV2& values);
   void FeedCpuMean(double sample);
   bool ExceedsCpuLimit(unsigned int total);
   bool SustainedHighCpu(unsigned int total);
-  void LogCpuInfo(const ResourceValuesV2& values, const GroupCpu& group);
+  void LogCpuInfo(const ResourceValuesV2& values, unsigned int total, std::size_t infoCount);
   void LogCpuExcess(const ResourceValuesV2& values);
+  double CpuReclaimArgument(const ResourceValuesV2& values) const;
 
-  GroupMemory SumGroupMemory(const ResourceValuesV2& values);
   std::optional<unsigned long long> TryGetTotalMemoryUsed();
   bool IsBelowAllProcessesLimit(const ResourceValuesV2& values, bool logInfo, unsigned long long used);
-  void LogMemory(const TStringCore& opening, const ResourceValuesV2& values, const GroupMemory& group,
+  void LogMemory(const TStringCore& opening, const ResourceValuesV2& values, const GroupUse& group,
                  unsigned long long used);
+  double MemoryReclaimArgument(const ResourceValuesV2& values) const;
 
-  /// Calls `visit` with the figures of each member but this one, in order of identity, with the peers locked.
+  /// Calls `visit` with the figures of each member but this one, in order of identity.
   template <class TVisit>
-  void ForEachPeer(TVisit visit) {
-    const boost::uuids::uuid own = UuidOf(m_ownValues);
-    for (const auto& [uuid, peer] : m_peers) {
-      if (uuid != own) visit(peer.m_values);
+  void ForEachPeer(const PeersLock&, TVisit visit) const {
+    for (const auto& [identity, peer] : m_peers) {
+      if (identity != m_identity) visit(peer.m_values);
     }
   }
+
+  /// Adds up the `amount` of this member, whose figures are `values`, and of all others. The highest is who has no other
+  /// above itself by `rank`, so those that tie at the top all are.
+  template <class TAmount, class TRank>
+  GroupUse SumGroup(const ResourceValuesV2& values, TAmount amount, TRank rank) {
+    const PeersLock lock(m_peersLock);
+    GroupUse group{amount(values), true, m_peers.size()};
+    ForEachPeer(lock, [&](const ResourceValuesV2& peer) {
+      group.total += amount(peer);
+      if (rank(peer) > rank(values)) group.isHighest = false;
+    });
+    return group;
+  }
+
+  /// In the order of the checks. Set once, by the constructor.
+  const std::array<Policy, 2> m_policies{CpuPolicy(), MemoryPolicy()};
+  const Policy& m_cpuPolicy = m_policies[0];
+  const Policy& m_memoryPolicy = m_policies[1];
 };

@@ -1,8 +1,33 @@
 // The CPU policy of ResourceManagerImpl: a limit on the group, for which its highest user answers.
+#include "monitor/ResourceManagerImpl.h"
+
 #include <algorithm>
 
 #include "monitor/Duration.h"
-#include "monitor/ResourceManagerImpl.h"
+
+namespace {
+
+unsigned int CpuPercent(const ResourceValuesV2& values) { return values.cpuPercent; }
+
+}  // namespace
+
+ResourceManagerImpl::Policy ResourceManagerImpl::CpuPolicy() {
+  return Policy{
+      .isInForce = CpuPolicyInForce(),
+      .isBelow = &ResourceManagerImpl::IsBelowCpuThreshold,
+      .functions = m_cpuReclaim,
+      .argument = &ResourceManagerImpl::CpuReclaimArgument,
+      .terminateOnExcess = m_cpu.m_terminateOnExcess,
+      .terminateCode = m_cpu.m_terminateCode,
+      .reclaimed = u"Resource Manager: CPU reclaimed. Process termination has been averted!",
+      // Spelt so on purpose: hosts search their logs for it.
+      .notReclaimed = u"Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.",
+      .notTerminating =
+          u"Resource Manager: Process is above CPU threshold, but the process does not terminate on "
+          u"excessive Cpu usage. Not terminating.",
+      .terminating = u"Resource Manager: Process is above CPU threshold. Requesting termination.",
+  };
+}
 
 bool ResourceManagerImpl::IsBelowCpuThreshold(const ResourceValuesV2& values, bool logInfo) {
   if (values.cpuPercent == 0) {
@@ -10,29 +35,19 @@ bool ResourceManagerImpl::IsBelowCpuThreshold(const ResourceValuesV2& values, bo
     m_highCpuSince = s_notHigh;
     return true;
   }
-  const GroupCpu group = SumGroupCpu(values);
-  const bool exceeded = ExceedsCpuLimit(group.m_total);
-  if (logInfo) LogCpuInfo(values, group);
+  const GroupUse group = SumGroup(values, CpuPercent, CpuPercent);
+  const auto total = static_cast<unsigned int>(std::min(group.total, 100ULL));
+  const bool exceeded = ExceedsCpuLimit(total);
+  if (logInfo) LogCpuInfo(values, total, group.infoCount);
   if (!exceeded) {
     m_highCpuSince = s_notHigh;
     return true;
   }
   // The time runs on while another member is the highest.
-  const bool sustained = SustainedHighCpu(group.m_total);
-  if (!group.m_highest || !sustained) return true;
+  const bool sustained = SustainedHighCpu(total);
+  if (!group.isHighest || !sustained) return true;
   LogCpuExcess(values);
   return false;
-}
-
-ResourceManagerImpl::GroupCpu ResourceManagerImpl::SumGroupCpu(const ResourceValuesV2& values) {
-  TScopedLock lock(m_peersLock);
-  GroupCpu group{values.cpuPercent, true, m_peers.size()};
-  ForEachPeer([&](const ResourceValuesV2& peer) {
-    group.m_total += peer.cpuPercent;
-    if (peer.cpuPercent > values.cpuPercent) group.m_highest = false;
-  });
-  group.m_total = std::min(group.m_total, 100U);
-  return group;
 }
 
 bool ResourceManagerImpl::ExceedsCpuLimit(unsigned int total) {
@@ -60,10 +75,9 @@ bool ResourceManagerImpl::SustainedHighCpu(unsigned int total) {
   return NanosecondsOf(m_cpu.m_sustainedSeconds) < now - m_highCpuSince;
 }
 
-void ResourceManagerImpl::LogCpuInfo(const ResourceValuesV2& values, const GroupCpu& group) {
+void ResourceManagerImpl::LogCpuInfo(const ResourceValuesV2& values, unsigned int total, std::size_t infoCount) {
   Log(u"Resource Manager: CPU info: " + TStringCore::number(unsigned{values.cpuPercent}) + u"%; " +
-      TStringCore::number(group.m_total) + u"% (Quillon total); " + TStringCore::number(group.m_infoCount) +
-      u" (info count)");
+      TStringCore::number(total) + u"% (Quillon total); " + TStringCore::number(infoCount) + u" (info count)");
   ReportAll();
 }
 
@@ -74,16 +88,4 @@ void ResourceManagerImpl::LogCpuExcess(const ResourceValuesV2& values) {
   ReportAll();
 }
 
-bool ResourceManagerImpl::ReclaimCpu(MonitoredProcess& self, ResourceValuesV2& values) {
-  return JudgeCpuReclaim(self, values, AskToReclaimCpu() && !m_stopEvent.Wait(CheckInterval()));
-}
-
-bool ResourceManagerImpl::AskToReclaimCpu() { return m_cpuReclaim.Reclaim(m_general.m_logFunc, -1.0); }
-
-bool ResourceManagerImpl::JudgeCpuReclaim(MonitoredProcess& self, ResourceValuesV2& values, bool given) {
-  if (given) UpdateResourceValues(self, values);
-  const bool reclaimed = given && IsBelowCpuThreshold(values, true);
-  Log(reclaimed ? u"Resource Manager: CPU reclaimed. Process termination has been averted!"
-                : u"Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.");
-  return reclaimed;
-}
+double ResourceManagerImpl::CpuReclaimArgument(const ResourceValuesV2&) const { return -1.0; }

@@ -1,8 +1,35 @@
 // The memory policy of ResourceManagerImpl: a limit on the member itself, and one on all processes together, for which
 // the member answers that has used the greatest share of its own limit.
-#include "monitor/LogText.h"
 #include "monitor/ResourceManagerImpl.h"
+
+#include "monitor/LogText.h"
 #include "qilsys/QuillonException.h"
+#include "qilsys/TSystem.h"
+
+namespace {
+
+unsigned long long Bytes(const ResourceValuesV2& values) { return values.memoryBytes; }
+unsigned int LimitPercent(const ResourceValuesV2& values) { return values.memoryLimitPercent; }
+
+}  // namespace
+
+ResourceManagerImpl::Policy ResourceManagerImpl::MemoryPolicy() {
+  return Policy{
+      .isInForce = MemoryPolicyInForce(),
+      .isBelow = &ResourceManagerImpl::IsBelowMemoryThreashold,
+      .functions = m_memoryReclaim,
+      .argument = &ResourceManagerImpl::MemoryReclaimArgument,
+      .terminateOnExcess = m_memory.m_terminateOnExcess,
+      .terminateCode = m_memory.m_terminateCode,
+      .reclaimed = u"Resource Manager: Memory reclaimed. Process termination has been averted!",
+      // Both are spelt so on purpose: hosts search their logs for them.
+      .notReclaimed = u"Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.",
+      .notTerminating =
+          u"Resource Manager: Process is above memory threshold, but the process does not terminate on "
+          u"excessive memory useage. Not terminating.",
+      .terminating = u"Resource Manager: Process is above memory threshold. Requesting termination.",
+  };
+}
 
 bool ResourceManagerImpl::IsBelowMemoryThreashold(const ResourceValuesV2& values, bool logInfo) {
   if (values.memoryBytes > m_memory.m_perProcessLimit) {
@@ -18,6 +45,7 @@ std::optional<unsigned long long> ResourceManagerImpl::TryGetTotalMemoryUsed() {
   try {
     return GetTotalMemoryUsed();
   } catch (const QuillonException& exception) {
+    // The operation is called so, and spelt so on purpose.
     Log(u"Resource Manager: Exception thrown while getting system memory usage, returning false from "
         u"IsBelowMemoryThreashold(). " +
         exception.GetConcatenatedMessages());
@@ -25,51 +53,32 @@ std::optional<unsigned long long> ResourceManagerImpl::TryGetTotalMemoryUsed() {
   }
 }
 
+unsigned long long ResourceManagerImpl::GetTotalMemoryUsed() {
+  return m_memory.m_totalMemoryFunc ? m_memory.m_totalMemoryFunc() : TSystem::Memory().m_usedPhysical;
+}
+
 bool ResourceManagerImpl::IsBelowAllProcessesLimit(const ResourceValuesV2& values, bool logInfo,
                                                    unsigned long long used) {
   const bool exceeded = used > m_memory.m_allProcessesLimit;
   if (!exceeded && !logInfo) return true;
-  const GroupMemory group = SumGroupMemory(values);
+  const GroupUse group = SumGroup(values, Bytes, LimitPercent);
   if (logInfo) LogMemory(u"Resource Manager: Memory info: ", values, group, used);
-  if (!exceeded || !group.m_highest) return true;
+  if (!exceeded || !group.isHighest) return true;
   LogMemory(u"Resource Manager: Exceeded allowed memory usage across all processes. Memory info: ", values, group,
             used);
   return false;
 }
 
-ResourceManagerImpl::GroupMemory ResourceManagerImpl::SumGroupMemory(const ResourceValuesV2& values) {
-  TScopedLock lock(m_peersLock);
-  GroupMemory group{values.memoryBytes, true, m_peers.size()};
-  ForEachPeer([&](const ResourceValuesV2& peer) {
-    group.m_total += peer.memoryBytes;
-    if (peer.memoryLimitPercent > values.memoryLimitPercent) group.m_highest = false;
-  });
-  return group;
-}
-
-void ResourceManagerImpl::LogMemory(const TStringCore& opening, const ResourceValuesV2& values,
-                                    const GroupMemory& group, unsigned long long used) {
-  Log(opening + BytesText(values.memoryBytes) + u" (current process);" + BytesText(group.m_total) +
-      u" (Quillon total); " + BytesText(used) + u" (total of all processes); " +
-      TStringCore::number(group.m_infoCount) + u" (info count)");
+void ResourceManagerImpl::LogMemory(const TStringCore& opening, const ResourceValuesV2& values, const GroupUse& group,
+                                    unsigned long long used) {
+  Log(opening + BytesText(values.memoryBytes) + u" (current process);" + BytesText(group.total) +
+      u" (Quillon total); " + BytesText(used) + u" (total of all processes); " + TStringCore::number(group.infoCount) +
+      u" (info count)");
   ReportAll();
 }
 
-bool ResourceManagerImpl::ReclaimMemory(MonitoredProcess& self, ResourceValuesV2& values) {
-  return JudgeMemoryReclaim(self, values, AskToReclaimMemory(values) && !m_stopEvent.Wait(CheckInterval()));
-}
-
-bool ResourceManagerImpl::AskToReclaimMemory(const ResourceValuesV2& values) {
-  const double usedFraction =
-      MemoryPolicyInForce() ? static_cast<double>(values.memoryBytes) / static_cast<double>(m_memory.m_perProcessLimit)
-                            : -1.0;
-  return m_memoryReclaim.Reclaim(m_general.m_logFunc, usedFraction);
-}
-
-bool ResourceManagerImpl::JudgeMemoryReclaim(MonitoredProcess& self, ResourceValuesV2& values, bool given) {
-  if (given) UpdateResourceValues(self, values);
-  const bool reclaimed = given && IsBelowMemoryThreashold(values, true);
-  Log(reclaimed ? u"Resource Manager: Memory reclaimed. Process termination has been averted!"
-                : u"Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.");
-  return reclaimed;
+// The used fraction of the limit, which may have none.
+double ResourceManagerImpl::MemoryReclaimArgument(const ResourceValuesV2& values) const {
+  if (!MemoryPolicyInForce()) return -1.0;
+  return static_cast<double>(values.memoryBytes) / static_cast<double>(m_memory.m_perProcessLimit);
 }

@@ -1,8 +1,18 @@
-// The worker of ResourceManagerImpl: the order of its checks, cut where it waits.
-#include "monitor/Duration.h"
+// The worker of ResourceManagerImpl: its pass, from the sample to the request to end the process, cut where it waits.
 #include "monitor/ResourceManagerImpl.h"
 
-using Stage = ResourceManagerImpl::WorkerState::Stage;
+#include <exception>
+#include <utility>
+
+#include "monitor/Duration.h"
+#include "monitor/ResourceReporterManager.h"
+#include "qilsys/LogicException.h"
+
+namespace {
+
+constexpr char File[] = "main/monitor/ResourceManagerImpl";
+
+}  // namespace
 
 void ResourceManagerImpl::Work() {
   if (m_general.m_terminateHandler != nullptr) std::set_terminate(m_general.m_terminateHandler);
@@ -17,77 +27,101 @@ std::chrono::milliseconds ResourceManagerImpl::CheckInterval() const {
 }
 
 ResourceManagerImpl::NextWait ResourceManagerImpl::Advance(WorkerState& state, MonitoredProcess& self, bool stopped) {
-  switch (state.m_stage) {
-    case Stage::ReclaimingCpu:
-      return AfterCpuReclaim(state, self, JudgeCpuReclaim(self, m_ownValues, !stopped));
-    case Stage::ReclaimingMemory:
-      return AfterMemoryReclaim(state, JudgeMemoryReclaim(self, m_ownValues, !stopped));
-    case Stage::Waiting:
-      break;
+  if (!state.isReclaiming) {
+    if (stopped) return std::nullopt;
+    UpdateResourceValues(self, m_ownValues);
+    state.logInfo = state.counter + 1 == m_general.m_infoEveryChecks;
+    state.policy = 0;
   }
-  if (stopped) return std::nullopt;
-  return Pass(state, self);
-}
-
-ResourceManagerImpl::NextWait ResourceManagerImpl::Pass(WorkerState& state, MonitoredProcess& self) {
-  UpdateResourceValues(self, m_ownValues);
-  state.m_logInfo = state.m_counter + 1 == m_general.m_infoEveryChecks;
-  return CheckCpu(state, self);
-}
-
-ResourceManagerImpl::NextWait ResourceManagerImpl::CheckCpu(WorkerState& state, MonitoredProcess& self) {
-  if (!CpuPolicyInForce() || IsBelowCpuThreshold(m_ownValues, state.m_logInfo)) return CheckMemory(state, self);
-  if (!AskToReclaimCpu()) return AfterCpuReclaim(state, self, JudgeCpuReclaim(self, m_ownValues, false));
-  state.m_stage = Stage::ReclaimingCpu;
-  return CheckInterval();
-}
-
-ResourceManagerImpl::NextWait ResourceManagerImpl::AfterCpuReclaim(WorkerState& state, MonitoredProcess& self,
-                                                                   bool reclaimed) {
-  if (!reclaimed && CpuExcessEndsWorker()) return std::nullopt;
-  return CheckMemory(state, self);
-}
-
-ResourceManagerImpl::NextWait ResourceManagerImpl::CheckMemory(WorkerState& state, MonitoredProcess& self) {
-  if (!MemoryPolicyInForce() || IsBelowMemoryThreashold(m_ownValues, state.m_logInfo)) return EndPass(state);
-  if (!AskToReclaimMemory(m_ownValues)) {
-    return AfterMemoryReclaim(state, JudgeMemoryReclaim(self, m_ownValues, false));
+  for (; state.policy < m_policies.size(); ++state.policy) {
+    const Policy& policy = m_policies[state.policy];
+    const bool asked = std::exchange(state.isReclaiming, false);
+    if (!asked) {
+      if (!policy.isInForce || (this->*policy.isBelow)(m_ownValues, state.logInfo)) continue;
+      state.isReclaiming = AskToReclaim(policy, m_ownValues);
+      if (state.isReclaiming) return CheckInterval();
+    }
+    if (!JudgeReclaim(policy, self, m_ownValues, asked && !stopped) && ExcessEndsWorker(policy)) return std::nullopt;
   }
-  state.m_stage = Stage::ReclaimingMemory;
+  state.counter = state.logInfo ? 0 : state.counter + 1;
   return CheckInterval();
 }
 
-ResourceManagerImpl::NextWait ResourceManagerImpl::AfterMemoryReclaim(WorkerState& state, bool reclaimed) {
-  if (!reclaimed && MemoryExcessEndsWorker()) return std::nullopt;
-  return EndPass(state);
+void ResourceManagerImpl::UpdateResourceValues(MonitoredProcess& self, ResourceValuesV2& values) {
+  if (CpuPolicyInForce()) {
+    // Processors below their top clock have headroom: the process then counts as idle, and the next reading covers the
+    // whole time since the last one.
+    if (MonitoredProcess::IsCpuAtMaxFrequency()) {
+      SetCpuFigures(values, m_children.GetCpuUsage(), self.GetCpuUsage());
+    } else {
+      values.cpuPercent = 0;
+    }
+  }
+  if (MemoryPolicyInForce()) SetMemoryFigures(values, m_children.GetMemoryUsage() + self.GetMemoryUsage());
+  Send(values);
+  PurgePeers();
 }
 
-ResourceManagerImpl::NextWait ResourceManagerImpl::EndPass(WorkerState& state) {
-  state.m_counter = state.m_logInfo ? 0 : state.m_counter + 1;
-  state.m_stage = Stage::Waiting;
-  return CheckInterval();
+void ResourceManagerImpl::SetCpuFigures(ResourceValuesV2& values, unsigned int childrenPercent,
+                                        unsigned char ownPercent) const {
+  PercentSum sum;
+  sum.Add(static_cast<unsigned char>(childrenPercent));
+  sum.Add(ownPercent);
+  values.cpuPercent = sum.Limited();
 }
 
-bool ResourceManagerImpl::CpuExcessEndsWorker() {
+void ResourceManagerImpl::SetMemoryFigures(ResourceValuesV2& values, unsigned long long bytes) const {
+  values.memoryBytes = bytes;
+  values.memoryLimitPercent = PercentOfLimit(bytes, m_memory.m_perProcessLimit);
+}
+
+void ResourceManagerImpl::Send(const ResourceValuesV2& values) {
+  const bool known = ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2;
+  QILSYS_LOGIC_ASSERT(known,
+                      "ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2",
+                      File, 479, 0x044A63AC, "LogicException_LogicAssert_0x044A63AC");
+  if (m_rvVersion == ResourceValuesVersion::VER_1) m_ipc->Send(Narrow(values));
+  if (m_rvVersion == ResourceValuesVersion::VER_2) m_ipc->Send(values);
+}
+
+// False if there are no functions, which then need no time either.
+bool ResourceManagerImpl::AskToReclaim(const Policy& policy, const ResourceValuesV2& values) {
+  return policy.functions.Reclaim(m_general.m_logFunc, (this->*policy.argument)(values));
+}
+
+// True when the resource was won back, for which the functions must have had their time.
+bool ResourceManagerImpl::JudgeReclaim(const Policy& policy, MonitoredProcess& self, ResourceValuesV2& values,
+                                       bool hadTime) {
+  if (hadTime) UpdateResourceValues(self, values);
+  const bool reclaimed = hadTime && (this->*policy.isBelow)(values, true);
+  Log(reclaimed ? policy.reclaimed : policy.notReclaimed);
+  return reclaimed;
+}
+
+bool ResourceManagerImpl::ExcessEndsWorker(const Policy& policy) {
   LogAllProcesses(m_ownValues);
-  if (m_cpu.m_terminateOnExcess) {
-    m_general.m_terminateFunc(m_cpu.m_terminateCode,
-                              u"Resource Manager: Process is above CPU threshold. Requesting termination.");
-    return true;
+  if (policy.terminateOnExcess) {
+    m_general.m_terminateFunc(policy.terminateCode, policy.terminating);
+  } else {
+    Log(policy.notTerminating);
   }
-  Log(u"Resource Manager: Process is above CPU threshold, but the process does not terminate on excessive Cpu usage. "
-      u"Not terminating.");
-  return false;
+  return policy.terminateOnExcess;
 }
 
-bool ResourceManagerImpl::MemoryExcessEndsWorker() {
-  LogAllProcesses(m_ownValues);
-  if (m_memory.m_terminateOnExcess) {
-    m_general.m_terminateFunc(m_memory.m_terminateCode,
-                              u"Resource Manager: Process is above memory threshold. Requesting termination.");
-    return true;
-  }
-  Log(u"Resource Manager: Process is above memory threshold, but the process does not terminate on excessive memory "
-      u"useage. Not terminating.");
-  return false;
+bool ResourceManagerImpl::Reclaim(const Policy& policy, MonitoredProcess& self, ResourceValuesV2& values) {
+  const bool asked = AskToReclaim(policy, values);
+  return JudgeReclaim(policy, self, values, asked && !m_stopEvent.Wait(CheckInterval()));
+}
+
+bool ResourceManagerImpl::ReclaimCpu(MonitoredProcess& self, ResourceValuesV2& values) {
+  return Reclaim(m_cpuPolicy, self, values);
+}
+
+bool ResourceManagerImpl::ReclaimMemory(MonitoredProcess& self, ResourceValuesV2& values) {
+  return Reclaim(m_memoryPolicy, self, values);
+}
+
+void ResourceManagerImpl::ReportAll() {
+  ResourceReporterManager::Get().ReportAll(m_general.m_infoEveryChecks *
+                                           static_cast<std::uint32_t>(m_general.m_checkIntervalSeconds));
 }

@@ -92,17 +92,17 @@ class Member : public ResourceManagerImpl {
   explicit Member(const Settings& settings)
       : ResourceManagerImpl(settings.m_cpu, settings.m_memory, settings.m_general), m_lines(settings.m_lines) {}
 
+  /// A member with the process id and the identity of `own`, among others in this one process.
+  Member(const Settings& settings, const ResourceValuesV2& own)
+      : ResourceManagerImpl(settings.m_cpu, settings.m_memory, settings.m_general, own), m_lines(settings.m_lines) {}
+
   using ResourceManagerImpl::Advance;
-  using ResourceManagerImpl::AskToReclaimMemory;
   using ResourceManagerImpl::IsBelowCpuThreshold;
   using ResourceManagerImpl::IsBelowMemoryThreashold;
-  using ResourceManagerImpl::JudgeCpuReclaim;
-  using ResourceManagerImpl::JudgeMemoryReclaim;
   using ResourceManagerImpl::LogAllProcesses;
   using ResourceManagerImpl::m_cpuMean;
   using ResourceManagerImpl::m_highCpuSince;
   using ResourceManagerImpl::m_ipc;
-  using ResourceManagerImpl::m_memory;
   using ResourceManagerImpl::m_ownValues;
   using ResourceManagerImpl::m_peers;
   using ResourceManagerImpl::m_rvVersion;

@@ -191,51 +191,85 @@ TEST(CpuReportTest, TheSecondsAreMultipliedIn32Bits) {
   EXPECT_EQ(reporter->m_seconds, (std::vector<unsigned int>{0xFFFFFFFE}));
 }
 
-TEST(CpuReclaimTest, WithoutFunctionsItFailsAtOnce) {
+const char* s_excessWithoutTime =
+    "Resource Manager: Exceeded sustained high CPU threshold above 50% for 0 seconds.  This process has the highest "
+    "usage of 70%";
+const char* s_asked = "Resource Manager: Reclaiming CPU. Number registered functions: 1";
+const char* s_called = "Resource Manager: Calling reclaim function named: pool";
+const char* s_stillHigh = "Resource Manager: CPU info: 70%; 70% (Quillon total); 0 (info count)";
+const char* s_reclaimed = "Resource Manager: CPU reclaimed. Process termination has been averted!";
+const char* s_notReclaimed = "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.";
+
+/// A member that has been over its limit for long when it samples next.
+class CpuReclaimTest : public testing::Test {
+ protected:
+  explicit CpuReclaimTest(std::int64_t interval = 5)
+      : m_member(Settings().Cpu(50, 0).TerminateCpu(1).Interval(interval)) {
+    m_member.m_reading.m_cpuPercent = 70;
+    m_member.m_highCpuSince = 0;
+  }
+  ~CpuReclaimTest() noexcept override = default;
+
+  Member m_member;
+};
+
+TEST_F(CpuReclaimTest, FunctionsGetMinusOne) {
+  double argument = 0;
+  m_member.CpuReclaim().Add(u"pool", [&](double given) {
+    argument = given;
+    m_member.m_reading.m_cpuPercent = 0;
+  });
+  EXPECT_TRUE(m_member.Step());
+  EXPECT_EQ(argument, -1.0);
+  EXPECT_TRUE(m_member.Step());
+  EXPECT_EQ(m_member.m_samples, 2);
+  EXPECT_EQ(m_member.TakeLines(),
+            (Lines{s_excessWithoutTime, s_asked, s_called, "Resource Manager: CPU info: 0%", s_reclaimed}));
+}
+
+TEST_F(CpuReclaimTest, WhatIsStillTooHighHasNotBeenReclaimed) {
+  m_member.CpuReclaim().Add(u"pool", [](double) {});
+  EXPECT_TRUE(m_member.Step());
+  EXPECT_FALSE(m_member.Step());
+  const Lines lines = m_member.TakeLines();
+  ASSERT_GE(lines.size(), 6U);
+  EXPECT_EQ(Lines(lines.begin(), lines.begin() + 6),
+            (Lines{s_excessWithoutTime, s_asked, s_called, s_stillHigh, s_excessWithoutTime, s_notReclaimed}));
+}
+
+/// The same without an interval to wait for.
+class CpuReclaimInOnePieceTest : public CpuReclaimTest {
+ protected:
+  CpuReclaimInOnePieceTest() : CpuReclaimTest(0) {}
+
+  bool Reclaim() { return m_member.ReclaimCpu(m_member.m_self, m_member.m_ownValues); }
+};
+
+TEST_F(CpuReclaimInOnePieceTest, IsAskingAndJudging) {
+  m_member.CpuReclaim().Add(u"pool", [](double) {});
+  EXPECT_FALSE(Reclaim());
+  EXPECT_EQ(m_member.TakeLines(), (Lines{s_asked, s_called, s_stillHigh, s_excessWithoutTime, s_notReclaimed}));
+  m_member.m_reading.m_cpuPercent = 0;
+  EXPECT_TRUE(Reclaim());
+  EXPECT_EQ(m_member.TakeLines(), (Lines{s_asked, s_called, "Resource Manager: CPU info: 0%", s_reclaimed}));
+  EXPECT_EQ(m_member.m_samples, 2);
+}
+
+TEST(CpuReclaimWaitTest, WithoutFunctionsThereIsNone) {
   Member member(Settings().Cpu(50, 0).Interval(1000));
   EXPECT_FALSE(member.ReclaimCpu(member.m_self, member.m_ownValues));
   EXPECT_EQ(member.m_samples, 0);
   EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 0",
-                   "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated."}));
+            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 0", s_notReclaimed}));
 }
 
-TEST(CpuReclaimTest, FunctionsGetMinusOne) {
-  Member member(Settings().Cpu(50, 0).Interval(0));
-  double argument = 0;
-  member.CpuReclaim().Add(u"pool", [&](double given) { argument = given; });
-  EXPECT_TRUE(member.ReclaimCpu(member.m_self, member.m_ownValues));
-  EXPECT_EQ(argument, -1.0);
-  EXPECT_EQ(member.m_samples, 1);
-  EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 1",
-                   "Resource Manager: Calling reclaim function named: pool", "Resource Manager: CPU info: 0%",
-                   "Resource Manager: CPU reclaimed. Process termination has been averted!"}));
-}
-
-TEST(CpuReclaimTest, AStopDuringTheWaitIsAFailure) {
+TEST(CpuReclaimWaitTest, AStopDuringItIsAFailure) {
   Member member(Settings().Cpu(50, 0).Interval(1000));
   member.CpuReclaim().Add(u"pool", [](double) {});
   member.m_stopEvent.Signal();
   EXPECT_FALSE(member.ReclaimCpu(member.m_self, member.m_ownValues));
   EXPECT_EQ(member.m_samples, 0);
-  EXPECT_EQ(member.TakeLines().back(),
-            "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.");
-}
-
-TEST(CpuReclaimTest, WhatIsStillTooHighHasNotBeenReclaimed) {
-  Member member(Settings().Cpu(50, 0).Interval(0));
-  member.CpuReclaim().Add(u"pool", [](double) {});
-  member.m_highCpuSince = 0;
-  member.m_reading.m_cpuPercent = 70;
-  EXPECT_FALSE(member.ReclaimCpu(member.m_self, member.m_ownValues));
-  EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 1",
-                   "Resource Manager: Calling reclaim function named: pool",
-                   "Resource Manager: CPU info: 70%; 70% (Quillon total); 0 (info count)",
-                   "Resource Manager: Exceeded sustained high CPU threshold above 50% for 0 seconds.  This process has "
-                   "the highest usage of 70%",
-                   "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated."}));
+  EXPECT_EQ(member.TakeLines(), (Lines{s_asked, s_called, s_notReclaimed}));
 }
 
 }  // namespace

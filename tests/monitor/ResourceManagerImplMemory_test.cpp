@@ -151,57 +151,92 @@ TEST(MemoryReportTest, ReportersAreCalledBesideTheInfoLineAndTheExcessLine) {
   EXPECT_EQ(reporter->m_seconds, (std::vector<unsigned int>{20, 20}));
 }
 
-TEST(MemoryReclaimTest, FunctionsGetTheUsedFraction) {
-  MemoryMember member(Settings().Memory(1000, 5000).Interval(0), 1);
+const char* s_asked = "Resource Manager: Reclaiming memory. Number registered functions: 1";
+const char* s_called = "Resource Manager: Calling reclaim function named: cache";
+const char* s_reclaimed = "Resource Manager: Memory reclaimed. Process termination has been averted!";
+const char* s_notReclaimed = "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.";
+const char* s_overItsLimit = "Resource Manager: Exceeded allowed memory usage per process. 1,250 bytes";
+const char* s_below =
+    "Resource Manager: Memory info: 250 bytes (current process);250 bytes (Quillon total); 1 bytes (total of all "
+    "processes); 0 (info count)";
+
+/// A member that is over its limit when it samples next.
+class MemoryReclaimTest : public testing::Test {
+ protected:
+  explicit MemoryReclaimTest(std::int64_t interval = 5)
+      : m_member(Settings().Memory(1000, 5000).TerminateMemory(1).Interval(interval), 1) {
+    m_member.m_reading.m_memoryBytes = 1250;
+  }
+  ~MemoryReclaimTest() noexcept override = default;
+
+  MemoryMember m_member;
+};
+
+TEST_F(MemoryReclaimTest, FunctionsGetTheUsedFraction) {
   double argument = 0;
-  member.MemoryReclaim().Add(u"cache", [&](double given) { argument = given; });
-  member.m_reading.m_memoryBytes = 250;
-  Own(member, 1250);
-  EXPECT_TRUE(member.ReclaimMemory(member.m_self, member.m_ownValues));
+  m_member.MemoryReclaim().Add(u"cache", [&](double given) {
+    argument = given;
+    m_member.m_reading.m_memoryBytes = 250;
+  });
+  EXPECT_TRUE(m_member.Step());
   EXPECT_EQ(argument, 1.25);
-  EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Reclaiming memory. Number registered functions: 1",
-                   "Resource Manager: Calling reclaim function named: cache",
-                   "Resource Manager: Memory info: 250 bytes (current process);250 bytes (Quillon total); 1 bytes "
-                   "(total of all processes); 0 (info count)",
-                   "Resource Manager: Memory reclaimed. Process termination has been averted!"}));
+  EXPECT_TRUE(m_member.Step());
+  EXPECT_EQ(m_member.m_samples, 2);
+  EXPECT_EQ(m_member.TakeLines(), (Lines{s_overItsLimit, s_asked, s_called, s_below, s_reclaimed}));
 }
 
-TEST(MemoryReclaimTest, WithoutALimitTheyGetMinusOne) {
-  Member member((Settings()));
-  double argument = 0;
-  member.MemoryReclaim().Add(u"cache", [&](double given) { argument = given; });
-  EXPECT_TRUE(member.AskToReclaimMemory(member.m_ownValues));
-  EXPECT_EQ(argument, -1.0);
+TEST_F(MemoryReclaimTest, WhatIsStillTooMuchHasNotBeenReclaimed) {
+  m_member.MemoryReclaim().Add(u"cache", [](double) {});
+  EXPECT_TRUE(m_member.Step());
+  EXPECT_FALSE(m_member.Step());
+  const Lines lines = m_member.TakeLines();
+  ASSERT_GE(lines.size(), 5U);
+  EXPECT_EQ(Lines(lines.begin(), lines.begin() + 5),
+            (Lines{s_overItsLimit, s_asked, s_called, s_overItsLimit, s_notReclaimed}));
 }
 
-TEST(MemoryReclaimTest, WithoutFunctionsItFailsAtOnce) {
+/// The same without an interval to wait for.
+class MemoryReclaimInOnePieceTest : public MemoryReclaimTest {
+ protected:
+  MemoryReclaimInOnePieceTest() : MemoryReclaimTest(0) {}
+
+  bool Reclaim() { return m_member.ReclaimMemory(m_member.m_self, m_member.m_ownValues); }
+};
+
+TEST_F(MemoryReclaimInOnePieceTest, IsAskingAndJudging) {
+  m_member.MemoryReclaim().Add(u"cache", [](double) {});
+  EXPECT_FALSE(Reclaim());
+  EXPECT_EQ(m_member.TakeLines(), (Lines{s_asked, s_called, s_overItsLimit, s_notReclaimed}));
+  m_member.m_reading.m_memoryBytes = 250;
+  EXPECT_TRUE(Reclaim());
+  EXPECT_EQ(m_member.TakeLines(), (Lines{s_asked, s_called, s_below, s_reclaimed}));
+  EXPECT_EQ(m_member.m_samples, 2);
+}
+
+TEST(MemoryReclaimWaitTest, WithoutFunctionsThereIsNone) {
   Member member(Settings().Memory(1000, 5000).Interval(1000));
   EXPECT_FALSE(member.ReclaimMemory(member.m_self, member.m_ownValues));
   EXPECT_EQ(member.m_samples, 0);
   EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Reclaiming memory. Number registered functions: 0",
-                   "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated."}));
+            (Lines{"Resource Manager: Reclaiming memory. Number registered functions: 0", s_notReclaimed}));
 }
 
-TEST(MemoryReclaimTest, AStopDuringTheWaitIsAFailure) {
+TEST(MemoryReclaimWaitTest, AStopDuringItIsAFailure) {
   Member member(Settings().Memory(1000, 5000).Interval(1000));
   member.MemoryReclaim().Add(u"cache", [](double) {});
   member.m_stopEvent.Signal();
   EXPECT_FALSE(member.ReclaimMemory(member.m_self, member.m_ownValues));
   EXPECT_EQ(member.m_samples, 0);
+  EXPECT_EQ(member.TakeLines(), (Lines{s_asked, s_called, s_notReclaimed}));
 }
 
-TEST(MemoryReclaimTest, WhatIsStillTooMuchHasNotBeenReclaimed) {
-  Member member(Settings().Memory(1000, 5000).Interval(0));
-  member.MemoryReclaim().Add(u"cache", [](double) {});
-  member.m_reading.m_memoryBytes = 3000;
-  EXPECT_FALSE(member.ReclaimMemory(member.m_self, member.m_ownValues));
-  EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Reclaiming memory. Number registered functions: 1",
-                   "Resource Manager: Calling reclaim function named: cache",
-                   "Resource Manager: Exceeded allowed memory usage per process. 3,000 bytes",
-                   "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated."}));
+// No pass comes here without a limit.
+TEST(MemoryReclaimWithoutALimitTest, FunctionsGetMinusOne) {
+  Member member(Settings().Interval(0));
+  double argument = 0;
+  member.MemoryReclaim().Add(u"cache", [&](double given) { argument = given; });
+  member.ReclaimMemory(member.m_self, member.m_ownValues);
+  EXPECT_EQ(argument, -1.0);
 }
 
 TEST(MemoryFiguresTest, TheSampleIsRankedByItsShareOfTheLimit) {

@@ -177,26 +177,5 @@ TEST(WorkerTest, TheInfoCounterRunsOnOverAReclaim) {
   EXPECT_EQ(member.TakeLines().size(), 1U) << "the second pass has its info line";
 }
 
-TEST(LogAllProcessesTest, TheOwnLineComesFirstAndThenThePeersInKeyOrder) {
-  Member member(Settings().Cpu(50));
-  member.m_ownValues.uuid.fill(0x55);
-  member.m_ownValues.pid = 4711;
-  member.m_ownValues.memoryBytes = 1'234'567;
-  member.m_ownValues.memoryLimitPercent = 12;
-  member.m_ownValues.cpuPercent = 34;
-  member.HearSelf();
-  member.OnValues(PeerValues(0xAB, 1, 2, 3));
-  member.OnValues(PeerValues(0x01, 4, 5000, 6));
-  member.LogAllProcesses(member.m_ownValues);
-  EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Logging all CPU/memory info across processes.",
-                   "Resource Manager: pid: 4711; Memory info: 1,234,567 bytes; Memory limit usage: 12%; CPU info: 34%; "
-                   "uuid=55555555-5555-5555-5555-555555555555",
-                   "Resource Manager: pid: 1001; Memory info: 5,000 bytes; Memory limit usage: 6%; CPU info: 4%; "
-                   "uuid=01010101-0101-0101-0101-010101010101",
-                   "Resource Manager: pid: 1171; Memory info: 2 bytes; Memory limit usage: 3%; CPU info: 1%; "
-                   "uuid=abababab-abab-abab-abab-abababababab"}));
-}
-
 }  // namespace
 }  // namespace qilsys::test

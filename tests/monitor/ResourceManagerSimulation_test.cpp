@@ -47,8 +47,7 @@ class World {
     auto process = std::make_unique<Process>();
     Process& p = *process;
     p.m_index = m_processes.size();
-    p.m_member = std::make_unique<Member>(settings);
-    Identify(p, settings.m_general.m_useVersion1);
+    p.m_member = std::make_unique<Member>(settings, FirstValues(p.m_index, settings.m_general));
     p.m_reference = std::make_unique<ReferenceMember>(settings, p.m_member->m_ownValues, cpuFunctions, memoryFunctions);
     Connect(p, cpuFunctions, memoryFunctions);
     m_processes.push_back(std::move(process));
@@ -107,11 +106,12 @@ class World {
   }
 
   // All members are of this one process, so the world gives each an id and an identity of its own.
-  void Identify(Process& p, bool version1) {
-    ResourceValuesV2& own = p.m_member->m_ownValues;
-    own.pid = static_cast<std::uint32_t>(1000 + p.m_index);
+  ResourceValuesV2 FirstValues(std::size_t index, const ResourceManager::GeneralConfig& general) {
+    ResourceValuesV2 own;
+    own.pid = static_cast<std::uint32_t>(1000 + index);
+    own.reportIntervalSeconds = static_cast<std::uint8_t>(general.m_checkIntervalSeconds);
     for (std::uint8_t& byte : own.uuid) byte = static_cast<std::uint8_t>(m_random.Between(0, 255));
-    if (version1) own = Widen(Narrow(own));
+    return general.m_useVersion1 ? Widen(Narrow(own)) : own;
   }
 
   void Connect(Process& p, int cpuFunctions, int memoryFunctions) {
