@@ -4,6 +4,8 @@
 #include <array>
 #include <functional>
 
+namespace qilsys::system {
+
 namespace {
 
 struct Charset {
@@ -11,7 +13,7 @@ struct Charset {
   const char* name;
 };
 
-constexpr std::array s_charsets = {
+constexpr std::array Charsets = {
     Charset{37, "EBCDIC"},         Charset{437, "US-ASCII"},      Charset{819, "iso-8859-1"},
     Charset{874, "tis-620"},       Charset{912, "iso-8859-2"},    Charset{914, "iso-8859-4"},
     Charset{915, "iso-8859-5"},    Charset{920, "iso-8859-9"},    Charset{922, "iso-8859-13"},
@@ -32,10 +34,10 @@ constexpr std::array s_charsets = {
     Charset{51949, "EUC-KR"},      Charset{54936, "GB18030"},     Charset{65000, "UTF-7"},
     Charset{65001, "UTF-8"},
 };
-static_assert(s_charsets.size() == 55);
-static_assert(std::ranges::is_sorted(s_charsets, std::less{}, &Charset::codePage));
+static_assert(Charsets.size() == 55);
+static_assert(std::ranges::is_sorted(Charsets, std::less{}, &Charset::codePage));
 
-constexpr unsigned int s_utf8 = 65001;
+constexpr unsigned int Utf8 = 65001;
 
 struct Codeset {
   std::string_view name;
@@ -44,8 +46,8 @@ struct Codeset {
 
 // The spellings of the GNU C library. Its plain "C" locale has the name of ASCII and reads as UTF-8: a program there
 // has not asked for anything, and ASCII is part of UTF-8.
-constexpr std::array s_codesets = {
-    Codeset{"UTF-8", s_utf8},      Codeset{"ANSI_X3.4-1968", s_utf8},
+constexpr std::array Codesets = {
+    Codeset{"UTF-8", Utf8},        Codeset{"ANSI_X3.4-1968", Utf8},
     Codeset{"ISO-8859-1", 28591},  Codeset{"ISO-8859-2", 28592},
     Codeset{"ISO-8859-3", 28593},  Codeset{"ISO-8859-4", 28594},
     Codeset{"ISO-8859-5", 28595},  Codeset{"ISO-8859-6", 28596},
@@ -73,13 +75,15 @@ bool EqualIgnoringAsciiCase(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-const char* qilsys::CharsetOfCodePage(unsigned int codePage) {
-  const auto found = std::ranges::lower_bound(s_charsets, codePage, std::less{}, &Charset::codePage);
-  return found != s_charsets.end() && found->codePage == codePage ? found->name : "UTF-8";
+const char* CharsetOfCodePage(unsigned int codePage) {
+  const auto found = std::ranges::lower_bound(Charsets, codePage, std::less{}, &Charset::codePage);
+  return found != Charsets.end() && found->codePage == codePage ? found->name : "UTF-8";
 }
 
-unsigned int qilsys::CodePageOfCodeset(std::string_view codeset) {
+unsigned int CodePageOfCodeset(std::string_view codeset) {
   const auto found = std::ranges::find_if(
-      s_codesets, [codeset](const Codeset& row) { return EqualIgnoringAsciiCase(row.name, codeset); });
-  return found != s_codesets.end() ? found->codePage : s_utf8;
+      Codesets, [codeset](const Codeset& row) { return EqualIgnoringAsciiCase(row.name, codeset); });
+  return found != Codesets.end() ? found->codePage : Utf8;
 }
+
+}  // namespace qilsys::system

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-namespace qilsys {
+namespace qilsys::system {
 
 /// The charset of a code page; "UTF-8" for one without a row.
 const char* CharsetOfCodePage(unsigned int codePage);
@@ -12,4 +12,4 @@ const char* CharsetOfCodePage(unsigned int codePage);
 /// unknown one.
 unsigned int CodePageOfCodeset(std::string_view codeset);
 
-}  // namespace qilsys
+}  // namespace qilsys::system

@@ -2,25 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
-#include <limits>
+
+#include "system/ProcText.h"
+
+namespace qilsys::system {
 
 namespace {
-
-constexpr std::string_view s_blanks = " \t\n";
-
-// Cuts the text at the first of these characters, and takes the part before it out of the text.
-std::string_view TakeUntil(std::string_view& text, char end) {
-  const std::string_view part = text.substr(0, text.find(end));
-  text.remove_prefix(std::min(part.size() + 1, text.size()));
-  return part;
-}
-
-std::string_view TakeWord(std::string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(s_blanks), text.size()));
-  const std::string_view word = text.substr(0, text.find_first_of(s_blanks));
-  text.remove_prefix(word.size());
-  return word;
-}
 
 bool HoldsItem(std::string_view commaSeparated, std::string_view item) {
   while (!commaSeparated.empty()) {
@@ -48,19 +35,6 @@ std::string WithoutOctalEscapes(std::string_view text) {
   return result;
 }
 
-// A row such as "MemTotal:       24684084 kB".
-std::optional<std::uint64_t> ParseMemInfoRow(std::string_view text, std::string_view key) {
-  while (!text.empty()) {
-    std::string_view row = TakeUntil(text, '\n');
-    if (TakeWord(row) == key) {
-      const std::optional<std::uint64_t> kibibytes = qilsys::ParseByteCount(TakeWord(row));
-      const bool isPlausible = kibibytes && *kibibytes <= std::numeric_limits<std::uint64_t>::max() / 1024;
-      return isPlausible && TakeWord(row) == "kB" ? std::optional(*kibibytes * 1024) : std::nullopt;
-    }
-  }
-  return std::nullopt;
-}
-
 // The path of a group as the mount shows it: without the part that lies above the mount's own root.
 std::string_view PathBelow(std::string_view root, std::string_view path) {
   if (root == "/") {
@@ -76,22 +50,22 @@ std::uint32_t PercentOf(std::uint64_t part, std::uint64_t whole) {
 
 }  // namespace
 
-TSystem::MemoryInfo qilsys::ToMemoryInfo(const MachineMemory& memory, std::uint32_t pageSize) {
-  const std::uint64_t used = memory.m_total - memory.m_available;
+TSystem::MemoryInfo ToMemoryInfo(const MachineMemory& memory, std::uint32_t pageSize) {
+  const std::uint64_t used = memory.total - memory.available;
   return TSystem::MemoryInfo{
-      .m_availablePhysical = memory.m_available,
+      .m_availablePhysical = memory.available,
       .m_usedPhysical = used == 0 ? 1 : used,
-      .m_totalPhysical = memory.m_total,
+      .m_totalPhysical = memory.total,
       .m_pageSize = pageSize,
-      .m_memoryLoad = memory.m_load.value_or(PercentOf(used, memory.m_total)),
+      .m_memoryLoad = memory.load.value_or(PercentOf(used, memory.total)),
   };
 }
 
-std::optional<qilsys::MachineMemory> qilsys::ParseMemInfo(std::string_view text) {
-  const std::optional<std::uint64_t> total = ParseMemInfoRow(text, "MemTotal:");
-  std::optional<std::uint64_t> available = ParseMemInfoRow(text, "MemAvailable:");
+std::optional<MachineMemory> ParseMemInfo(std::string_view text) {
+  const std::optional<std::uint64_t> total = BytesOfRow(text, "MemTotal");
+  std::optional<std::uint64_t> available = BytesOfRow(text, "MemAvailable");
   if (!available) {
-    available = ParseMemInfoRow(text, "MemFree:");
+    available = BytesOfRow(text, "MemFree");
   }
   if (!total || !available) {
     return std::nullopt;
@@ -100,9 +74,9 @@ std::optional<qilsys::MachineMemory> qilsys::ParseMemInfo(std::string_view text)
 }
 
 // Rows are "number:controllers:path"; version 2 has the number 0 and no controllers.
-std::optional<std::string> qilsys::ParseCgroupPath(std::string_view text, CgroupVersion version) {
+std::optional<std::string> ParseCgroupPath(std::string_view text, CgroupVersion version) {
   while (!text.empty()) {
-    std::string_view row = TakeUntil(text, '\n');
+    std::string_view row = TakeRow(text);
     const std::string_view number = TakeUntil(row, ':');
     const std::string_view controllers = TakeUntil(row, ':');
     const bool isWanted =
@@ -115,9 +89,9 @@ std::optional<std::string> qilsys::ParseCgroupPath(std::string_view text, Cgroup
 }
 
 // Rows are "id parent device root mountpoint options [tags] - type source options".
-std::optional<qilsys::CgroupMount> qilsys::ParseCgroupMount(std::string_view text, CgroupVersion version) {
+std::optional<CgroupMount> ParseCgroupMount(std::string_view text, CgroupVersion version) {
   while (!text.empty()) {
-    const std::string_view row = TakeUntil(text, '\n');
+    const std::string_view row = TakeRow(text);
     const std::size_t separator = row.find(" - ");
     if (separator == std::string_view::npos) {
       continue;
@@ -133,46 +107,40 @@ std::optional<qilsys::CgroupMount> qilsys::ParseCgroupMount(std::string_view tex
         TakeWord(head);
       }
       const std::string root = WithoutOctalEscapes(TakeWord(head));
-      return CgroupMount{.m_mountPoint = WithoutOctalEscapes(TakeWord(head)), .m_root = root};
+      return CgroupMount{.mountPoint = WithoutOctalEscapes(TakeWord(head)), .root = root};
     }
   }
   return std::nullopt;
 }
 
-std::vector<std::string> qilsys::CgroupFolders(const CgroupMount& mount, std::string_view path) {
-  std::string_view below = PathBelow(mount.m_root, path);
+std::vector<std::string> CgroupFolders(const CgroupMount& mount, std::string_view path) {
+  std::string_view below = PathBelow(mount.root, path);
   std::vector<std::string> folders;
   while (!below.empty() && below != "/") {
-    folders.push_back(mount.m_mountPoint + std::string(below));
+    folders.push_back(mount.mountPoint + std::string(below));
     below = below.substr(0, below.rfind('/'));
   }
-  folders.push_back(mount.m_mountPoint);
+  folders.push_back(mount.mountPoint);
   return folders;
 }
 
-std::optional<std::uint64_t> qilsys::ParseByteCount(std::string_view text) {
-  const std::string_view word = TakeWord(text);
-  std::uint64_t value = 0;
-  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-  return error == std::errc() && end == word.data() + word.size() ? std::optional(value) : std::nullopt;
-}
-
-std::optional<std::uint64_t> qilsys::ParseStatRow(std::string_view text, std::string_view key) {
+std::optional<std::uint64_t> ParseStatRow(std::string_view text, std::string_view key) {
   while (!text.empty()) {
-    std::string_view row = TakeUntil(text, '\n');
+    std::string_view row = TakeRow(text);
     if (TakeWord(row) == key) {
-      return ParseByteCount(row);
+      return WholeNumber(TakeWord(row));
     }
   }
   return std::nullopt;
 }
 
-qilsys::MachineMemory qilsys::Bound(const MachineMemory& memory, const CgroupMemory& group) {
-  if (!group.m_limit) {
+MachineMemory Bound(const MachineMemory& memory, const CgroupMemory& group) {
+  if (!group.limit) {
     return memory;
   }
-  const std::uint64_t held = group.m_usage - std::min(group.m_usage, group.m_reclaimable);
-  const std::uint64_t room = *group.m_limit - std::min(*group.m_limit, held);
-  return MachineMemory{.m_total = std::min(memory.m_total, *group.m_limit),
-                       .m_available = std::min(memory.m_available, room)};
+  const std::uint64_t held = group.usage - std::min(group.usage, group.reclaimable);
+  const std::uint64_t room = *group.limit - std::min(*group.limit, held);
+  return MachineMemory{.total = std::min(memory.total, *group.limit), .available = std::min(memory.available, room)};
 }
+
+}  // namespace qilsys::system

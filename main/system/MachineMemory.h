@@ -10,14 +10,14 @@
 
 #include "qilsys/TSystem.h"
 
-namespace qilsys {
+namespace qilsys::system {
 
 /// Memory as the system tells it, in bytes; all zero when it tells nothing.
 struct MachineMemory {
-  std::uint64_t m_total = 0;
-  std::uint64_t m_available = 0;
+  std::uint64_t total = 0;
+  std::uint64_t available = 0;
   /// Percent in use where the system tells that too; else it follows from the other two.
-  std::optional<std::uint32_t> m_load = std::nullopt;
+  std::optional<std::uint32_t> load = std::nullopt;
 
   bool operator==(const MachineMemory&) const = default;
 };
@@ -30,17 +30,17 @@ enum class CgroupVersion { V1, V2 };
 
 /// Where a hierarchy of control groups is mounted, and which of its groups is seen there.
 struct CgroupMount {
-  std::string m_mountPoint;
-  std::string m_root;
+  std::string mountPoint;
+  std::string root;
 
   bool operator==(const CgroupMount&) const = default;
 };
 
-/// What one group says of its memory, in bytes. `m_reclaimable` is the part of the usage that is given up first.
+/// What one group says of its memory, in bytes. `reclaimable` is the part of the usage that is given up first.
 struct CgroupMemory {
-  std::optional<std::uint64_t> m_limit;
-  std::uint64_t m_usage = 0;
-  std::uint64_t m_reclaimable = 0;
+  std::optional<std::uint64_t> limit;
+  std::uint64_t usage = 0;
+  std::uint64_t reclaimable = 0;
 };
 
 /// The text of /proc/meminfo; nothing unless the total and the available (or, in old kernels, the free) memory are
@@ -56,13 +56,10 @@ std::optional<CgroupMount> ParseCgroupMount(std::string_view text, CgroupVersion
 /// The folders of a group and of all its parents that the mount shows, the group's own first.
 std::vector<std::string> CgroupFolders(const CgroupMount& mount, std::string_view path);
 
-/// One number of bytes; nothing for "max" and for text that is no number.
-std::optional<std::uint64_t> ParseByteCount(std::string_view text);
-
 /// The value of one row of a group's memory.stat.
 std::optional<std::uint64_t> ParseStatRow(std::string_view text, std::string_view key);
 
 /// The smaller of the machine's memory and the group's, for total and available each.
 MachineMemory Bound(const MachineMemory& memory, const CgroupMemory& group);
 
-}  // namespace qilsys
+}  // namespace qilsys::system

@@ -1,20 +1,19 @@
 // Reads the texts that MachineMemory.cpp understands. The Windows sibling asks the system in one call.
 #include "system/MachineMemory.h"
 
-#if !defined(__linux__)
-#error "This file is for Linux only."
+#ifndef __linux__
+#error "This file is for Linux."
 #endif
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
+#include "system/ProcText.h"
 #include "system/TSystem_platform.h"
+#include "system/TextFile_linux.h"
+
+namespace qilsys::system {
 
 namespace {
-
-using qilsys::CgroupMemory;
-using qilsys::CgroupVersion;
 
 // What the files of a group are called.
 struct CgroupFiles {
@@ -23,41 +22,37 @@ struct CgroupFiles {
   const char* reclaimableRow;
 };
 
-constexpr CgroupFiles s_filesV1 = {"/memory.limit_in_bytes", "/memory.usage_in_bytes", "total_inactive_file"};
-constexpr CgroupFiles s_filesV2 = {"/memory.max", "/memory.current", "inactive_file"};
-
-// Empty when there is no such file.
-std::string ReadText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
+constexpr CgroupFiles FilesV1 = {"/memory.limit_in_bytes", "/memory.usage_in_bytes", "total_inactive_file"};
+constexpr CgroupFiles FilesV2 = {"/memory.max", "/memory.current", "inactive_file"};
 
 CgroupMemory ReadCgroup(const std::string& folder, const CgroupFiles& files) {
-  CgroupMemory group{.m_limit = qilsys::ParseByteCount(ReadText(folder + files.limit))};
-  if (group.m_limit) {
-    group.m_usage = qilsys::ParseByteCount(ReadText(folder + files.usage)).value_or(0);
-    group.m_reclaimable = qilsys::ParseStatRow(ReadText(folder + "/memory.stat"), files.reclaimableRow).value_or(0);
+  CgroupMemory group{.limit = SingleNumber(ReadTextFile(folder + files.limit))};
+  if (group.limit) {
+    group.usage = SingleNumber(ReadTextFile(folder + files.usage)).value_or(0);
+    group.reclaimable = ParseStatRow(ReadTextFile(folder + "/memory.stat"), files.reclaimableRow).value_or(0);
   }
   return group;
 }
 
 // A parent's limit holds for its children too, so the walk goes up the tree.
-void BoundByCgroups(qilsys::MachineMemory& memory, CgroupVersion version) {
-  const auto path = qilsys::ParseCgroupPath(ReadText("/proc/self/cgroup"), version);
-  const auto mount = qilsys::ParseCgroupMount(ReadText("/proc/self/mountinfo"), version);
+void BoundByCgroups(MachineMemory& memory, CgroupVersion version) {
+  const auto path = ParseCgroupPath(ReadTextFile("/proc/self/cgroup"), version);
+  const auto mount = ParseCgroupMount(ReadTextFile("/proc/self/mountinfo"), version);
   if (!path || !mount) {
     return;
   }
-  for (const std::string& folder : qilsys::CgroupFolders(*mount, *path)) {
-    memory = Bound(memory, ReadCgroup(folder, version == CgroupVersion::V1 ? s_filesV1 : s_filesV2));
+  for (const std::string& folder : CgroupFolders(*mount, *path)) {
+    memory = Bound(memory, ReadCgroup(folder, version == CgroupVersion::V1 ? FilesV1 : FilesV2));
   }
 }
 
 }  // namespace
 
-qilsys::MachineMemory qilsys::ReadMachineMemory() {
-  MachineMemory memory = ParseMemInfo(ReadText("/proc/meminfo")).value_or(MachineMemory());
+MachineMemory ReadMachineMemory() {
+  MachineMemory memory = ParseMemInfo(ReadTextFile("/proc/meminfo")).value_or(MachineMemory());
   BoundByCgroups(memory, CgroupVersion::V1);
   BoundByCgroups(memory, CgroupVersion::V2);
   return memory;
 }
+
+}  // namespace qilsys::system

@@ -11,13 +11,17 @@
 
 #include "system/TSystem_platform.h"
 
-qilsys::MachineMemory qilsys::ReadMachineMemory() {
+namespace qilsys::system {
+
+MachineMemory ReadMachineMemory() {
   MEMORYSTATUSEX status{};
   status.dwLength = sizeof status;
   if (GlobalMemoryStatusEx(&status) == 0) {
     return {};
   }
-  return MachineMemory{.m_total = status.ullTotalPhys,
-                       .m_available = std::min(status.ullAvailPhys, status.ullTotalPhys),
-                       .m_load = status.dwMemoryLoad};
+  return MachineMemory{.total = status.ullTotalPhys,
+                       .available = std::min(status.ullAvailPhys, status.ullTotalPhys),
+                       .load = status.dwMemoryLoad};
 }
+
+}  // namespace qilsys::system

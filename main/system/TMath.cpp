@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr std::array s_powersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+constexpr std::array PowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 // The double that is nearest to the power. Not every runtime's `pow` gives it: off by its last bit, 0.01 makes 1200 of
 // 1234 by way of 1199.9999999999998.
@@ -26,8 +26,8 @@ double NearestPower(short exponent) {
 }
 
 double PowerOfTen(short exponent) {
-  const bool isUsual = 0 <= exponent && exponent < static_cast<int>(s_powersOfTen.size());
-  return isUsual ? s_powersOfTen[static_cast<std::size_t>(exponent)] : NearestPower(exponent);
+  const bool isUsual = 0 <= exponent && exponent < static_cast<int>(PowersOfTen.size());
+  return isUsual ? PowersOfTen[static_cast<std::size_t>(exponent)] : NearestPower(exponent);
 }
 
 }  // namespace

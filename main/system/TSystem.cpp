@@ -1,15 +1,18 @@
 #include "qilsys/TSystem.h"
 
+#include <new>
 #include <utility>
 
 #include "base/SystemError_platform.h"
 #include "system/CodePage.h"
 #include "system/TSystem_platform.h"
 
+using namespace qilsys::system;
+
 namespace {
 
 std::uint64_t LoadCount() {
-  static const std::uint64_t s_loadCount = qilsys::PerformanceCount();
+  static const std::uint64_t s_loadCount = PerformanceCount();
   return s_loadCount;
 }
 
@@ -21,13 +24,22 @@ std::function<bool()>& DesktopMainThreadFunc() {
   return s_isMainThread;
 }
 
+// The texts of the system take memory of their own, and what they are read for may be that there is none left.
+MachineMemory MachineMemoryOrNothing() noexcept {
+  try {
+    return ReadMachineMemory();
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
+}
+
 }  // namespace
 
-unsigned int TSystem::ProcessID() { return qilsys::CurrentProcessId(); }
+unsigned int TSystem::ProcessID() { return CurrentProcessId(); }
 
-unsigned long long TSystem::ThreadID() { return qilsys::CurrentThreadId(); }
+unsigned long long TSystem::ThreadID() { return CurrentThreadId(); }
 
-void TSystem::Sleep(unsigned int milliseconds) { qilsys::SleepFor(milliseconds); }
+void TSystem::Sleep(unsigned int milliseconds) { SleepFor(milliseconds); }
 
 bool TSystem::IsDesktopMainThread() {
   const std::function<bool()>& isMainThread = DesktopMainThreadFunc();
@@ -39,15 +51,15 @@ std::function<bool()> TSystem::SetDesktopMainThreadFunc(std::function<bool()> is
 }
 
 char const* TSystem::Local8BitEncoding() {
-  static char const* const s_charset = qilsys::CharsetOfCodePage(qilsys::ActiveCodePage());
+  static char const* const s_charset = CharsetOfCodePage(ActiveCodePage());
   return s_charset;
 }
 
-TSystem::MemoryInfo TSystem::Memory() { return qilsys::ToMemoryInfo(qilsys::ReadMachineMemory(), qilsys::PageSize()); }
+TSystem::MemoryInfo TSystem::Memory() noexcept { return ToMemoryInfo(MachineMemoryOrNothing(), PageSize()); }
 
 unsigned int TSystem::AppUpTime() {
-  static const double s_factor = 1000.0 / static_cast<double>(qilsys::PerformanceFrequency());
-  const std::uint64_t count = qilsys::PerformanceCount() - LoadCount();
+  static const double s_factor = 1000.0 / static_cast<double>(PerformanceFrequency());
+  const std::uint64_t count = PerformanceCount() - LoadCount();
   return static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<double>(count) * s_factor));
 }
 

@@ -1,8 +1,8 @@
 // The Windows sibling has the same operations.
 #include "system/TSystem_platform.h"
 
-#if !defined(__linux__)
-#error "This file is for Linux only."
+#ifndef __linux__
+#error "This file is for Linux."
 #endif
 
 #include <langinfo.h>
@@ -16,6 +16,8 @@
 
 #include "system/CodePage.h"
 
+namespace qilsys::system {
+
 namespace {
 
 struct FreeLocale {
@@ -27,24 +29,24 @@ using Clock = std::chrono::steady_clock;
 
 }  // namespace
 
-unsigned int qilsys::CurrentProcessId() { return static_cast<unsigned int>(getpid()); }
+unsigned int CurrentProcessId() { return static_cast<unsigned int>(getpid()); }
 
-unsigned long long qilsys::CurrentThreadId() { return static_cast<unsigned long long>(gettid()); }
+unsigned long long CurrentThreadId() { return static_cast<unsigned long long>(gettid()); }
 
-void qilsys::SleepFor(unsigned int milliseconds) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-}
+void SleepFor(unsigned int milliseconds) { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); }
 
 // Asks for the environment's locale and leaves the process's own as it is.
-unsigned int qilsys::ActiveCodePage() {
+unsigned int ActiveCodePage() {
   const Locale locale(newlocale(LC_CTYPE_MASK, "", nullptr));
   return CodePageOfCodeset(locale ? nl_langinfo_l(CODESET, locale.get()) : "");
 }
 
-std::uint32_t qilsys::PageSize() { return static_cast<std::uint32_t>(sysconf(_SC_PAGESIZE)); }
+std::uint32_t PageSize() { return static_cast<std::uint32_t>(sysconf(_SC_PAGESIZE)); }
 
-std::uint64_t qilsys::PerformanceCount() {
+std::uint64_t PerformanceCount() {
   return static_cast<std::uint64_t>(std::chrono::nanoseconds(Clock::now().time_since_epoch()).count());
 }
 
-std::uint64_t qilsys::PerformanceFrequency() { return std::nano::den; }
+std::uint64_t PerformanceFrequency() { return std::nano::den; }
+
+}  // namespace qilsys::system

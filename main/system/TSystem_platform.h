@@ -5,7 +5,7 @@
 
 #include "system/MachineMemory.h"
 
-namespace qilsys {
+namespace qilsys::system {
 
 unsigned int CurrentProcessId();
 unsigned long long CurrentThreadId();
@@ -16,7 +16,7 @@ void SleepFor(unsigned int milliseconds);
 /// The Windows code page that the process's 8-bit text is in.
 unsigned int ActiveCodePage();
 
-/// Never more than what this process may use, where something bounds it. `m_available` is at most `m_total`.
+/// Never more than what this process may use, where something bounds it. `available` is at most `total`.
 MachineMemory ReadMachineMemory();
 /// Bytes.
 std::uint32_t PageSize();
@@ -25,4 +25,4 @@ std::uint32_t PageSize();
 std::uint64_t PerformanceCount();
 std::uint64_t PerformanceFrequency();
 
-}  // namespace qilsys
+}  // namespace qilsys::system

@@ -7,28 +7,32 @@
 
 #include <windows.h>
 
-unsigned int qilsys::CurrentProcessId() { return GetCurrentProcessId(); }
+namespace qilsys::system {
 
-unsigned long long qilsys::CurrentThreadId() { return GetCurrentThreadId(); }
+unsigned int CurrentProcessId() { return GetCurrentProcessId(); }
 
-void qilsys::SleepFor(unsigned int milliseconds) { ::Sleep(milliseconds); }
+unsigned long long CurrentThreadId() { return GetCurrentThreadId(); }
 
-unsigned int qilsys::ActiveCodePage() { return GetACP(); }
+void SleepFor(unsigned int milliseconds) { ::Sleep(milliseconds); }
 
-std::uint32_t qilsys::PageSize() {
+unsigned int ActiveCodePage() { return GetACP(); }
+
+std::uint32_t PageSize() {
   SYSTEM_INFO info{};
   GetSystemInfo(&info);
   return info.dwPageSize;
 }
 
-std::uint64_t qilsys::PerformanceCount() {
+std::uint64_t PerformanceCount() {
   LARGE_INTEGER count{};
   QueryPerformanceCounter(&count);
   return static_cast<std::uint64_t>(count.QuadPart);
 }
 
-std::uint64_t qilsys::PerformanceFrequency() {
+std::uint64_t PerformanceFrequency() {
   LARGE_INTEGER frequency{};
   QueryPerformanceFrequency(&frequency);
   return static_cast<std::uint64_t>(frequency.QuadPart);
 }
+
+}  // namespace qilsys::system

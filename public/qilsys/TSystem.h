@@ -37,8 +37,8 @@ QILSYS_API std::function<bool()> SetDesktopMainThreadFunc(std::function<bool()> 
 /// The charset of the process's 8-bit text, such as "UTF-8". The same pointer on every call.
 QILSYS_API char const* Local8BitEncoding();
 
-/// Figures of now; all zero but the used memory where the system gives none.
-QILSYS_API MemoryInfo Memory();
+/// Figures of now. Where the system gives none, all are zero but the used memory, which is 1, and the size of a page.
+QILSYS_API MemoryInfo Memory() noexcept;
 /// Whole milliseconds since the library was loaded; wraps after 49 days.
 QILSYS_API unsigned int AppUpTime();
 /// The text of the calling thread's last failed system call.

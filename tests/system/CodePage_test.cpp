@@ -17,7 +17,7 @@ std::string NameOfRow(const testing::TestParamInfo<CharsetRow>& row) { return st
 class CharsetOfCodePage : public testing::TestWithParam<CharsetRow> {};
 
 TEST_P(CharsetOfCodePage, IsTheTabledOne) {
-  EXPECT_STREQ(qilsys::CharsetOfCodePage(GetParam().codePage), GetParam().charset);
+  EXPECT_STREQ(qilsys::system::CharsetOfCodePage(GetParam().codePage), GetParam().charset);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -55,30 +55,30 @@ INSTANTIATE_TEST_SUITE_P(NotInTheTable, CharsetOfCodePage,
                          NameOfRow);
 
 TEST(CodePageOfCodeset, KnowsTheSpellingsOfTheCLibrary) {
-  EXPECT_EQ(qilsys::CodePageOfCodeset("UTF-8"), 65001u);
-  EXPECT_EQ(qilsys::CodePageOfCodeset("ISO-8859-1"), 28591u);
-  EXPECT_EQ(qilsys::CodePageOfCodeset("ISO-8859-15"), 28605u);
-  EXPECT_EQ(qilsys::CodePageOfCodeset("CP1251"), 1251u);
-  EXPECT_EQ(qilsys::CodePageOfCodeset("EUC-KR"), 51949u);
-  EXPECT_EQ(qilsys::CodePageOfCodeset("GB18030"), 54936u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("UTF-8"), 65001u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("ISO-8859-1"), 28591u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("ISO-8859-15"), 28605u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("CP1251"), 1251u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("EUC-KR"), 51949u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("GB18030"), 54936u);
 }
 
 TEST(CodePageOfCodeset, IgnoresCase) {
-  EXPECT_EQ(qilsys::CodePageOfCodeset("utf-8"), 65001u);
-  EXPECT_EQ(qilsys::CodePageOfCodeset("koi8-r"), 20866u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("utf-8"), 65001u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("koi8-r"), 20866u);
 }
 
 TEST(CodePageOfCodeset, PlainAsciiAndTheUnknownAreUtf8) {
-  EXPECT_EQ(qilsys::CodePageOfCodeset("ANSI_X3.4-1968"), 65001u);
-  EXPECT_EQ(qilsys::CodePageOfCodeset(""), 65001u);
-  EXPECT_EQ(qilsys::CodePageOfCodeset("KLINGON"), 65001u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("ANSI_X3.4-1968"), 65001u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset(""), 65001u);
+  EXPECT_EQ(qilsys::system::CodePageOfCodeset("KLINGON"), 65001u);
 }
 
 TEST(CodePageOfCodeset, EveryCodePageItGivesHasACharsetOfThatKind) {
-  EXPECT_STREQ(qilsys::CharsetOfCodePage(qilsys::CodePageOfCodeset("BIG5")), "Big5");
-  EXPECT_STREQ(qilsys::CharsetOfCodePage(qilsys::CodePageOfCodeset("GB2312")), "EUC-CN");
-  EXPECT_STREQ(qilsys::CharsetOfCodePage(qilsys::CodePageOfCodeset("SJIS")), "Shift_JIS");
-  EXPECT_STREQ(qilsys::CharsetOfCodePage(qilsys::CodePageOfCodeset("EUC-TW")), "EUC-TW");
+  EXPECT_STREQ(qilsys::system::CharsetOfCodePage(qilsys::system::CodePageOfCodeset("BIG5")), "Big5");
+  EXPECT_STREQ(qilsys::system::CharsetOfCodePage(qilsys::system::CodePageOfCodeset("GB2312")), "EUC-CN");
+  EXPECT_STREQ(qilsys::system::CharsetOfCodePage(qilsys::system::CodePageOfCodeset("SJIS")), "Shift_JIS");
+  EXPECT_STREQ(qilsys::system::CharsetOfCodePage(qilsys::system::CodePageOfCodeset("EUC-TW")), "EUC-TW");
 }
 
 }  // namespace

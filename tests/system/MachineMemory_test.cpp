@@ -2,16 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <string>
 
 #include "support/RowName.h"
 
-using qilsys::CgroupFolders;
-using qilsys::CgroupMemory;
-using qilsys::CgroupMount;
-using qilsys::CgroupVersion;
-using qilsys::MachineMemory;
+using qilsys::system::CgroupFolders;
+using qilsys::system::CgroupMemory;
+using qilsys::system::CgroupMount;
+using qilsys::system::CgroupVersion;
+using qilsys::system::MachineMemory;
 
 namespace {
 
@@ -20,23 +19,25 @@ constexpr std::uint64_t s_gibibyte = 1024 * 1024 * 1024;
 // ---- The machine
 
 TEST(ParseMemInfo, ReadsTotalAndAvailable) {
-  EXPECT_EQ(qilsys::ParseMemInfo("MemTotal:       24684084 kB\n"
-                                 "MemFree:        24181460 kB\n"
-                                 "MemAvailable:   24317864 kB\n"),
+  EXPECT_EQ(qilsys::system::ParseMemInfo("MemTotal:       24684084 kB\n"
+                                         "MemFree:        24181460 kB\n"
+                                         "MemAvailable:   24317864 kB\n"),
             (MachineMemory{24684084ULL * 1024, 24317864ULL * 1024}));
 }
 
 TEST(ParseMemInfo, OldKernelsTellOnlyWhatIsFree) {
-  EXPECT_EQ(qilsys::ParseMemInfo("MemTotal: 100 kB\nMemFree: 40 kB\nBuffers: 5 kB\n"),
+  EXPECT_EQ(qilsys::system::ParseMemInfo("MemTotal: 100 kB\nMemFree: 40 kB\nBuffers: 5 kB\n"),
             (MachineMemory{100 * 1024, 40 * 1024}));
 }
 
 TEST(ParseMemInfo, AvailableIsNeverMoreThanTotal) {
-  EXPECT_EQ(qilsys::ParseMemInfo("MemTotal: 100 kB\nMemAvailable: 140 kB\n"), (MachineMemory{100 * 1024, 100 * 1024}));
+  EXPECT_EQ(qilsys::system::ParseMemInfo("MemTotal: 100 kB\nMemAvailable: 140 kB\n"),
+            (MachineMemory{100 * 1024, 100 * 1024}));
 }
 
 TEST(ParseMemInfo, NeedsNoLineFeedAtTheEnd) {
-  EXPECT_EQ(qilsys::ParseMemInfo("MemTotal: 100 kB\nMemAvailable: 40 kB"), (MachineMemory{100 * 1024, 40 * 1024}));
+  EXPECT_EQ(qilsys::system::ParseMemInfo("MemTotal: 100 kB\nMemAvailable: 40 kB"),
+            (MachineMemory{100 * 1024, 40 * 1024}));
 }
 
 struct RefusedRow {
@@ -47,7 +48,7 @@ void PrintTo(const RefusedRow& row, std::ostream* out) { *out << row.name; }
 
 class ParseMemInfoRefuses : public testing::TestWithParam<RefusedRow> {};
 
-TEST_P(ParseMemInfoRefuses, ThisText) { EXPECT_EQ(qilsys::ParseMemInfo(GetParam().text), std::nullopt); }
+TEST_P(ParseMemInfoRefuses, ThisText) { EXPECT_EQ(qilsys::system::ParseMemInfo(GetParam().text), std::nullopt); }
 
 INSTANTIATE_TEST_SUITE_P(
     Table, ParseMemInfoRefuses,
@@ -71,21 +72,21 @@ constexpr std::string_view s_hybrid =
     "0::/unified\n";
 
 TEST(ParseCgroupPath, FindsTheMemoryControllerOfVersion1) {
-  EXPECT_EQ(qilsys::ParseCgroupPath(s_hybrid, CgroupVersion::V1), "/jobs/a:b");
-  EXPECT_EQ(qilsys::ParseCgroupPath("4:cpu,memory:/x\n", CgroupVersion::V1), "/x");
-  EXPECT_EQ(qilsys::ParseCgroupPath("4:memory2,hugememory:/x\n", CgroupVersion::V1), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupPath(s_hybrid, CgroupVersion::V1), "/jobs/a:b");
+  EXPECT_EQ(qilsys::system::ParseCgroupPath("4:cpu,memory:/x\n", CgroupVersion::V1), "/x");
+  EXPECT_EQ(qilsys::system::ParseCgroupPath("4:memory2,hugememory:/x\n", CgroupVersion::V1), std::nullopt);
 }
 
 TEST(ParseCgroupPath, FindsTheOneHierarchyOfVersion2) {
-  EXPECT_EQ(qilsys::ParseCgroupPath(s_hybrid, CgroupVersion::V2), "/unified");
-  EXPECT_EQ(qilsys::ParseCgroupPath("4:memory:/x\n", CgroupVersion::V2), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupPath(s_hybrid, CgroupVersion::V2), "/unified");
+  EXPECT_EQ(qilsys::system::ParseCgroupPath("4:memory:/x\n", CgroupVersion::V2), std::nullopt);
 }
 
 TEST(ParseCgroupPath, RefusesTextOfAnotherForm) {
-  EXPECT_EQ(qilsys::ParseCgroupPath("", CgroupVersion::V2), std::nullopt);
-  EXPECT_EQ(qilsys::ParseCgroupPath("0::", CgroupVersion::V2), std::nullopt);
-  EXPECT_EQ(qilsys::ParseCgroupPath("0::relative\n", CgroupVersion::V2), std::nullopt);
-  EXPECT_EQ(qilsys::ParseCgroupPath("memory", CgroupVersion::V1), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupPath("", CgroupVersion::V2), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupPath("0::", CgroupVersion::V2), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupPath("0::relative\n", CgroupVersion::V2), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupPath("memory", CgroupVersion::V1), std::nullopt);
 }
 
 constexpr std::string_view s_mounts =
@@ -95,21 +96,22 @@ constexpr std::string_view s_mounts =
     "41 31 0:38 /a\\040b /sys/fs/unified\\134x rw,relatime - cgroup2 cgroup2 rw\n";
 
 TEST(ParseCgroupMount, FindsVersion1ByItsController) {
-  EXPECT_EQ(qilsys::ParseCgroupMount(s_mounts, CgroupVersion::V1), (CgroupMount{"/sys/fs/cgroup/memory", "/"}));
+  EXPECT_EQ(qilsys::system::ParseCgroupMount(s_mounts, CgroupVersion::V1), (CgroupMount{"/sys/fs/cgroup/memory", "/"}));
 }
 
 TEST(ParseCgroupMount, FindsVersion2ByItsTypeAndUndoesEscapes) {
-  EXPECT_EQ(qilsys::ParseCgroupMount(s_mounts, CgroupVersion::V2), (CgroupMount{"/sys/fs/unified\\x", "/a b"}));
+  EXPECT_EQ(qilsys::system::ParseCgroupMount(s_mounts, CgroupVersion::V2), (CgroupMount{"/sys/fs/unified\\x", "/a b"}));
 }
 
 TEST(ParseCgroupMount, FindsNothingElsewhere) {
-  EXPECT_EQ(qilsys::ParseCgroupMount("", CgroupVersion::V1), std::nullopt);
-  EXPECT_EQ(qilsys::ParseCgroupMount("22 27 0:21 / /proc rw\n", CgroupVersion::V2), std::nullopt);
-  EXPECT_EQ(qilsys::ParseCgroupMount("1 2 3 / /x rw - cgroup cgroup rw,cpu\n", CgroupVersion::V1), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupMount("", CgroupVersion::V1), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupMount("22 27 0:21 / /proc rw\n", CgroupVersion::V2), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseCgroupMount("1 2 3 / /x rw - cgroup cgroup rw,cpu\n", CgroupVersion::V1),
+            std::nullopt);
 }
 
 TEST(ParseCgroupMount, KeepsAnEscapeThatIsNone) {
-  EXPECT_EQ(qilsys::ParseCgroupMount("1 2 3 / /x\\09 rw - cgroup2 cgroup2 rw\n", CgroupVersion::V2),
+  EXPECT_EQ(qilsys::system::ParseCgroupMount("1 2 3 / /x\\09 rw - cgroup2 cgroup2 rw\n", CgroupVersion::V2),
             (CgroupMount{"/x\\09", "/"}));
 }
 
@@ -132,24 +134,11 @@ TEST(CgroupFoldersTest, FallBackToTheMountForAGroupThatItDoesNotShow) {
 
 // ---- Its figures
 
-TEST(ParseByteCount, ReadsOneNumber) {
-  EXPECT_EQ(qilsys::ParseByteCount("1048576\n"), 1048576u);
-  EXPECT_EQ(qilsys::ParseByteCount("18446744073709551615"), std::numeric_limits<std::uint64_t>::max());
-}
-
-TEST(ParseByteCount, GivesNothingForAnyOtherText) {
-  EXPECT_EQ(qilsys::ParseByteCount("max\n"), std::nullopt);
-  EXPECT_EQ(qilsys::ParseByteCount(""), std::nullopt);
-  EXPECT_EQ(qilsys::ParseByteCount("-1\n"), std::nullopt);
-  EXPECT_EQ(qilsys::ParseByteCount("12x\n"), std::nullopt);
-  EXPECT_EQ(qilsys::ParseByteCount("18446744073709551616\n"), std::nullopt);
-}
-
 TEST(ParseStatRow, FindsTheWholeKey) {
-  EXPECT_EQ(qilsys::ParseStatRow("total_inactive_file 1\ninactive_file 22\n", "inactive_file"), 22u);
-  EXPECT_EQ(qilsys::ParseStatRow("inactive_file_x 1\n", "inactive_file"), std::nullopt);
-  EXPECT_EQ(qilsys::ParseStatRow("inactive_file\n", "inactive_file"), std::nullopt);
-  EXPECT_EQ(qilsys::ParseStatRow("", "inactive_file"), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseStatRow("total_inactive_file 1\ninactive_file 22\n", "inactive_file"), 22u);
+  EXPECT_EQ(qilsys::system::ParseStatRow("inactive_file_x 1\n", "inactive_file"), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseStatRow("inactive_file\n", "inactive_file"), std::nullopt);
+  EXPECT_EQ(qilsys::system::ParseStatRow("", "inactive_file"), std::nullopt);
 }
 
 struct BoundRow {

@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "support/NoDescriptors.h"
 #include "support/OpenHandles.h"
 #include "support/RowName.h"
 #include "support/SystemError.h"
@@ -62,14 +63,14 @@ TEST(TSystemMainThread, AsksTheCallbackAndGivesBackTheOneBefore) {
 
 TEST(TSystemEncoding, IsTheCharsetOfTheCodePageAndStays) {
   char const* const charset = TSystem::Local8BitEncoding();
-  EXPECT_STREQ(charset, qilsys::CharsetOfCodePage(qilsys::ActiveCodePage()));
+  EXPECT_STREQ(charset, qilsys::system::CharsetOfCodePage(qilsys::system::ActiveCodePage()));
   EXPECT_EQ(TSystem::Local8BitEncoding(), charset);
   EXPECT_LT(std::string(charset).size(), 20u);
 }
 
 TEST(TSystemEncoding, LeavesTheProcessesOwnLocaleAsItIs) {
   const std::string before = std::setlocale(LC_ALL, nullptr);
-  qilsys::ActiveCodePage();
+  qilsys::system::ActiveCodePage();
   EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
 }
 
@@ -83,9 +84,18 @@ TEST(TSystemMemory, FiguresFitTogether) {
   EXPECT_LE(memory.m_memoryLoad, 100u);
 }
 
+TEST(TSystemMemory, IsNothingWhereTheSystemCantBeAsked) {
+  if (!qilsys::test::NoDescriptors::CanBeHad()) GTEST_SKIP() << "left out on Windows: asking it needs nothing";
+  const qilsys::test::NoDescriptors none;
+  const TSystem::MemoryInfo memory = TSystem::Memory();
+  EXPECT_EQ(memory.m_totalPhysical, 0u);
+  EXPECT_EQ(memory.m_availablePhysical, 0u);
+  EXPECT_EQ(memory.m_usedPhysical, 1u);
+}
+
 struct MemoryRow {
   const char* name;
-  qilsys::MachineMemory machine;
+  qilsys::system::MachineMemory machine;
   std::uint64_t used;
   std::uint32_t load;
 };
@@ -94,9 +104,9 @@ void PrintTo(const MemoryRow& row, std::ostream* out) { *out << row.name; }
 class MemoryInfoOfMachine : public testing::TestWithParam<MemoryRow> {};
 
 TEST_P(MemoryInfoOfMachine, Gives) {
-  const TSystem::MemoryInfo memory = qilsys::ToMemoryInfo(GetParam().machine, 4096);
-  EXPECT_EQ(memory.m_availablePhysical, GetParam().machine.m_available);
-  EXPECT_EQ(memory.m_totalPhysical, GetParam().machine.m_total);
+  const TSystem::MemoryInfo memory = qilsys::system::ToMemoryInfo(GetParam().machine, 4096);
+  EXPECT_EQ(memory.m_availablePhysical, GetParam().machine.available);
+  EXPECT_EQ(memory.m_totalPhysical, GetParam().machine.total);
   EXPECT_EQ(memory.m_usedPhysical, GetParam().used);
   EXPECT_EQ(memory.m_memoryLoad, GetParam().load);
   EXPECT_EQ(memory.m_pageSize, 4096u);
@@ -145,7 +155,7 @@ TEST(TSystemHandles, NothingIsLeftOpen) {
     TSystem::GetLastErrorString();
     TSystem::Sleep(0);
     TSystem::AppUpTime();
-    qilsys::ActiveCodePage();
+    qilsys::system::ActiveCodePage();
     TStringCore(u"text").toLocal8Bit();
   };
   askAll();
