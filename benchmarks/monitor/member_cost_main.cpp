@@ -29,7 +29,7 @@ struct Cost {
 };
 
 double ProcessorNanoseconds() {
-  const ProcessTimesSample times = CurrentProcess()->ReadTimes().value_or(ProcessTimesSample());
+  const ProcessTimesSample times = qilsys::monitor::CurrentProcess()->ReadTimes().value_or(ProcessTimesSample());
   return static_cast<double>(times.m_kernelTime + times.m_userTime) * 100;
 }
 

@@ -8,6 +8,8 @@
 #include "qilsys/TFormatStringCore.h"
 #include "qilsys/TSystem.h"
 
+using namespace qilsys::monitor;
+
 namespace {
 
 unsigned int GetNumberOfCpus() {
@@ -59,7 +61,7 @@ MonitoredProcess::~MonitoredProcess() = default;
 
 unsigned char MonitoredProcess::GetCpuUsage() const { return m_impl->NextCpuPercent(GetNumberOfCpus()); }
 
-unsigned long long MonitoredProcess::GetMemoryUsage() const { return m_impl->m_handle->ReadMemory().PrivateUsage; }
+unsigned long long MonitoredProcess::GetMemoryUsage() const { return m_impl->m_handle->ReadPrivateBytes(); }
 
 unsigned int MonitoredProcess::GetProcessId() const { return m_impl->m_pid; }
 

@@ -1,12 +1,15 @@
 /// What the readings of processes need of the system. A failed reading is never an error: it is nothing, or zeros.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include "monitor/ProcessSample.h"
-#include "qilsys/MonitoredProcess.h"
+#include "monitor/ProcessorClock.h"
+
+namespace qilsys::monitor {
 
 /// A handle that stays with one process, also when its id is used again, and is closed by its destructor.
 class IProcessHandle {
@@ -19,20 +22,21 @@ class IProcessHandle {
   /// The time the process has used, and the time of the reading. Nothing if it can't be had.
   virtual std::optional<ProcessTimesSample> ReadTimes() const = 0;
 
-  /// The counters now, zeros if they can't be had.
-  virtual ProcessMemoryInfo ReadMemory() const = 0;
+  /// The private bytes now, 0 if they can't be had.
+  virtual std::uint64_t ReadPrivateBytes() = 0;
 
   /// False once the process has ended.
   virtual bool IsAlive() const = 0;
 };
 
-/// The calling process; needs no opening and so is never null.
+/// The calling process; needs no permission and so is never null.
 std::unique_ptr<IProcessHandle> CurrentProcess();
 
-/// A handle for readings. Null for an id that no process has, or that the caller may not watch.
+/// A handle for readings. Null for an id that no process has, or if the caller may not read that process's memory.
 std::unique_ptr<IProcessHandle> OpenProcessToWatch(unsigned int pid);
 
-/// A handle that only `IsAlive` is asked of, where the system grants that more readily. Null as above.
+/// A handle that only `IsAlive` is asked of, where the system grants that more readily. Null for an id that no process
+/// has.
 std::unique_ptr<IProcessHandle> OpenProcessToWait(unsigned int pid);
 
 /// The processors of the machine, 0 if they can't be counted.
@@ -40,3 +44,5 @@ unsigned int CountProcessors();
 
 /// The clock of each processor of which it is known; empty if of none.
 std::vector<ProcessorClock> ReadProcessorClocks();
+
+}  // namespace qilsys::monitor

@@ -10,25 +10,28 @@
 #include <powrprof.h>
 #include <psapi.h>
 
+#include "qilsys/MonitoredProcess.h"
 #include "synchronize/Win32Handle_win.h"
 
 // A macro of psapi.h, which would give our function of that name the name of the system's.
 #undef GetProcessMemoryInfo
 
+namespace qilsys::monitor {
+
 namespace {
 
-constexpr DWORD g_accessToWatch = PROCESS_QUERY_INFORMATION | PROCESS_VM_READ | SYNCHRONIZE;
-constexpr DWORD g_accessToWait = SYNCHRONIZE;
-static_assert(g_accessToWatch == 0x100410 && g_accessToWait == 0x100000);
+constexpr DWORD AccessToWatch = PROCESS_QUERY_INFORMATION | PROCESS_VM_READ | SYNCHRONIZE;
+constexpr DWORD AccessToWait = SYNCHRONIZE;
+static_assert(AccessToWatch == 0x100410 && AccessToWait == 0x100000);
 
 /// One entry of the table that the level `ProcessorInformation` fills; no header declares it.
 struct ProcessorPowerInformation {
-  ULONG m_number;
-  ULONG m_maxMhz;
-  ULONG m_currentMhz;
-  ULONG m_mhzLimit;
-  ULONG m_maxIdleState;
-  ULONG m_currentIdleState;
+  ULONG number;
+  ULONG maxMhz;
+  ULONG currentMhz;
+  ULONG mhzLimit;
+  ULONG maxIdleState;
+  ULONG currentIdleState;
 };
 static_assert(sizeof(ProcessorPowerInformation) == 24);
 
@@ -81,17 +84,19 @@ class ProcessHandle : public IProcessHandle {
 
   std::optional<ProcessTimesSample> ReadTimes() const override { return ReadTimesOf(m_handle.Get()); }
   // What has ended holds nothing, though the system may need a moment to take it back.
-  ProcessMemoryInfo ReadMemory() const override {
-    const ProcessMemoryInfo info = ReadMemoryOf(m_handle.Get());
-    return IsAlive() ? info : ProcessMemoryInfo();
+  std::uint64_t ReadPrivateBytes() override {
+    const std::uint64_t bytes = ReadMemoryOf(m_handle.Get()).PrivateUsage;
+    return IsAlive() ? bytes : 0;
   }
   bool IsAlive() const override { return WaitForSingleObject(m_handle.Get(), 0) == WAIT_TIMEOUT; }
 
  private:
-  qilsys::Win32Handle m_handle;
+  Win32Handle m_handle;
 };
 
+// The ids of processes are multiples of four, and the system takes the three numbers behind an id for it.
 std::unique_ptr<ProcessHandle> Open(DWORD access, unsigned int pid) {
+  if (pid % 4 != 0) return nullptr;
   auto handle = std::make_unique<ProcessHandle>(OpenProcess(access, FALSE, pid));
   return handle->IsOpen() ? std::move(handle) : nullptr;
 }
@@ -102,17 +107,14 @@ std::unique_ptr<IProcessHandle> CurrentProcess() { return std::make_unique<Proce
 
 // A process that has ended can be opened for as long as anybody holds a handle on it.
 std::unique_ptr<IProcessHandle> OpenProcessToWatch(unsigned int pid) {
-  std::unique_ptr<ProcessHandle> handle = Open(g_accessToWatch, pid);
+  std::unique_ptr<ProcessHandle> handle = Open(AccessToWatch, pid);
   return handle && handle->IsAlive() ? std::move(handle) : nullptr;
 }
 
-std::unique_ptr<IProcessHandle> OpenProcessToWait(unsigned int pid) { return Open(g_accessToWait, pid); }
+std::unique_ptr<IProcessHandle> OpenProcessToWait(unsigned int pid) { return Open(AccessToWait, pid); }
 
-unsigned int CountProcessors() {
-  SYSTEM_INFO info{};
-  GetSystemInfo(&info);
-  return info.dwNumberOfProcessors;
-}
+// Of all groups: a process may run on each, while GetSystemInfo counts those of one, which are at most 64.
+unsigned int CountProcessors() { return GetActiveProcessorCount(ALL_PROCESSOR_GROUPS); }
 
 std::vector<ProcessorClock> ReadProcessorClocks() {
   std::vector<ProcessorPowerInformation> table(CountProcessors());
@@ -120,12 +122,14 @@ std::vector<ProcessorClock> ReadProcessorClocks() {
   if (CallNtPowerInformation(ProcessorInformation, nullptr, 0, table.data(), bytes) != 0) return {};
   std::vector<ProcessorClock> clocks;
   clocks.reserve(table.size());
-  for (const ProcessorPowerInformation& entry : table) clocks.push_back({entry.m_currentMhz, entry.m_maxMhz});
+  for (const ProcessorPowerInformation& entry : table) clocks.push_back({entry.currentMhz, entry.maxMhz});
   return clocks;
 }
 
+}  // namespace qilsys::monitor
+
 ProcessMemoryInfo GetProcessMemoryInfo(void* processHandle) {
-  return processHandle != nullptr ? ReadMemoryOf(processHandle) : ProcessMemoryInfo();
+  return processHandle != nullptr ? qilsys::monitor::ReadMemoryOf(processHandle) : ProcessMemoryInfo();
 }
 
-ProcessMemoryInfo GetCurrentProcessMemoryInfo() { return ReadMemoryOf(GetCurrentProcess()); }
+ProcessMemoryInfo GetCurrentProcessMemoryInfo() { return qilsys::monitor::ReadMemoryOf(GetCurrentProcess()); }

@@ -1,4 +1,4 @@
-/// The texts in which Linux tells about processes and processors. Pure functions: malformed text is refused.
+/// The texts in which Linux tells about processes. Pure functions: malformed text is refused.
 #pragma once
 
 #include <cstdint>
@@ -7,20 +7,16 @@
 
 #include "qilsys/MonitoredProcess.h"
 
-namespace proc {
+namespace qilsys::monitor {
 
-/// The bytes of a line "`name`:   <number> kB" of /proc/PID/status. Nothing if the line is missing, is written in
-/// another way, or its number passes 64 bits.
-std::optional<std::uint64_t> StatusBytes(std::string_view status, std::string_view name);
+/// The private bytes of /proc/PID/status: what is resident and no file's, and what is swapped out. Nothing if they are
+/// not in it, as for a thread that has ended.
+std::optional<std::uint64_t> PrivateBytesOfStatus(std::string_view status);
 
-/// The memory counters of /proc/PID/status. Nothing if the private bytes are not in it, as for a process that has
-/// ended.
+/// The memory counters of /proc/PID/status, without page faults. Nothing if the private bytes are not in it.
 std::optional<ProcessMemoryInfo> MemoryOfStatus(std::string_view status);
 
 /// The page faults, minor and major, of /proc/PID/stat, in the low 32 bits.
 std::optional<std::uint32_t> PageFaultsOfStat(std::string_view stat);
 
-/// The number in a file that holds just one, with or without a line feed.
-std::optional<std::uint64_t> SingleNumber(std::string_view text);
-
-}  // namespace proc
+}  // namespace qilsys::monitor

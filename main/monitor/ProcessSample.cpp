@@ -4,6 +4,8 @@
 
 #include "qilsys/LogicException.h"
 
+namespace qilsys::monitor {
+
 unsigned char CpuPercentBetween(const ProcessTimesSample& before, const ProcessTimesSample& after,
                                 unsigned int numberOfCpus) {
   const std::uint64_t deltaKernel = after.m_kernelTime - before.m_kernelTime;
@@ -14,12 +16,9 @@ unsigned char CpuPercentBetween(const ProcessTimesSample& before, const ProcessT
   return std::min<unsigned char>(static_cast<unsigned char>(percent), 100);
 }
 
-bool AllAtMaximum(const std::vector<ProcessorClock>& clocks) {
-  return std::none_of(clocks.begin(), clocks.end(),
-                      [](const ProcessorClock& clock) { return clock.m_current < clock.m_maximum; });
-}
-
 void RequireProcessors(unsigned int numberOfCpus) {
   QILSYS_LOGIC_ASSERT(numberOfCpus > 0, "GetNumberOfCpus() > 0", "main/monitor/MonitoredProcess_win", 82, 0xC01C309F,
                       "LogicException_LogicAssert_0xC01C309F");
 }
+
+}  // namespace qilsys::monitor

@@ -21,12 +21,24 @@ struct ProcessMemoryInfo {
   std::uint64_t PrivateUsage = 0;
 };
 
+// Users of this function are likely to include psapi.h too, where its name is a macro for K32GetProcessMemoryInfo. It
+// must not change what is declared here, nor, if it comes later, keep this function from being called.
+#pragma push_macro("GetProcessMemoryInfo")
+#undef GetProcessMemoryInfo
+
 /// The counters of the process behind `processHandle`: the platform's process handle, or, where processes have no
-/// handles, the process id carried as a pointer value. Null, or a process that can't be read, gives all zeros.
+/// handles, the process id carried as a pointer value. Null, what is no process, or one that can't be read gives zeros.
 QILSYS_API ProcessMemoryInfo GetProcessMemoryInfo(void* processHandle);
 
 /// The counters of the calling process.
 QILSYS_API ProcessMemoryInfo GetCurrentProcessMemoryInfo();
+
+#ifdef _WIN32
+/// What psapi.h makes of a call of GetProcessMemoryInfo.
+inline ProcessMemoryInfo K32GetProcessMemoryInfo(void* processHandle) { return GetProcessMemoryInfo(processHandle); }
+#endif
+
+#pragma pop_macro("GetProcessMemoryInfo")
 
 /// A handle on one process, which stays with that process when its id is used again.
 ///
@@ -38,7 +50,7 @@ class QILSYS_API MonitoredProcess {
   MonitoredProcess();
 
   /// Watches the process `pid`. Throws a `QuillonException` ("Process pid=... is not running") if there is none, if it
-  /// has ended, or if it may not be watched.
+  /// has ended, or if its memory may not be read.
   explicit MonitoredProcess(unsigned int pid);
 
   MonitoredProcess(MonitoredProcess&& other) noexcept;

@@ -5,17 +5,20 @@
 #include <cstring>
 #include <deque>
 #include <memory>
+#include <optional>
+#include <thread>
 #include <vector>
 
 #include "monitor/ChildProcess.h"
 #include "monitor/MonitoredProcessImpl.h"
 #include "qilsys/QuillonException.h"
 #include "qilsys/TSystem.h"
+#include "support/NoDescriptors.h"
 #include "support/OpenHandles.h"
 #include "support/System.h"
 
 struct MonitoredProcessForTest {
-  static MonitoredProcess Make(unsigned int pid, std::unique_ptr<IProcessHandle> handle) {
+  static MonitoredProcess Make(unsigned int pid, std::unique_ptr<qilsys::monitor::IProcessHandle> handle) {
     return MonitoredProcess(std::make_unique<MonitoredProcess::Impl>(pid, std::move(handle)));
   }
 };
@@ -24,7 +27,7 @@ namespace qilsys::test {
 namespace {
 
 /// A process whose readings are given in advance; after the last one every reading fails.
-class ScriptedHandle : public IProcessHandle {
+class ScriptedHandle : public monitor::IProcessHandle {
  public:
   ScriptedHandle(std::deque<std::optional<ProcessTimesSample>> samples, int* closed = nullptr)
       : m_samples(std::move(samples)), m_closed(closed) {}
@@ -38,12 +41,7 @@ class ScriptedHandle : public IProcessHandle {
     m_samples.pop_front();
     return sample;
   }
-  ProcessMemoryInfo ReadMemory() const override {
-    ProcessMemoryInfo info;
-    info.PrivateUsage = 4711;
-    info.WorkingSetSize = 1;
-    return info;
-  }
+  std::uint64_t ReadPrivateBytes() override { return 4711; }
   bool IsAlive() const override { return !m_samples.empty(); }
 
  private:
@@ -56,7 +54,7 @@ MonitoredProcess Scripted(std::deque<std::optional<ProcessTimesSample>> samples)
 }
 
 // A sample in which the process has used the whole machine for `used` units.
-ProcessTimesSample Busy(std::uint64_t used, std::uint64_t wall) { return {0, used * CountProcessors(), wall}; }
+ProcessTimesSample Busy(std::uint64_t used, std::uint64_t wall) { return {0, used * monitor::CountProcessors(), wall}; }
 
 TEST(MonitoredProcessTest, FirstReadingCountsFromConstruction) {
   const MonitoredProcess process = Scripted({Busy(100, 1000), Busy(350, 2000)});
@@ -88,7 +86,7 @@ TEST(MonitoredProcessTest, AnEndedProcessReadsZeroForEver) {
   EXPECT_EQ(process.GetCpuUsage(), 0);
 }
 
-TEST(MonitoredProcessTest, MemoryUsageIsThePrivateUsage) {
+TEST(MonitoredProcessTest, MemoryUsageIsThePrivateBytes) {
   const MonitoredProcess process = Scripted({Busy(0, 0)});
   EXPECT_EQ(process.GetMemoryUsage(), 4711U);
   EXPECT_EQ(process.GetProcessId(), 12U);
@@ -163,6 +161,24 @@ TEST(MonitoredProcessTest, WatchesTheCallingProcess) {
   EXPECT_LE(self.GetCpuUsage(), 100);
   EXPECT_GT(self.GetMemoryUsage(), 0U);
   EXPECT_TRUE(MonitoredProcess::IsRunning(TSystem::ProcessID()));
+}
+
+TEST(MonitoredProcessTest, TheThreadThatMadeItMayEnd) {
+  std::optional<MonitoredProcess> self;
+  std::thread([&] { self.emplace(); }).join();
+  EXPECT_GT(self->GetMemoryUsage(), 0U);
+}
+
+TEST(MonitoredProcessTest, OutOfDescriptorsAProcessStillSeesItselfAndItsChildren) {
+  if (!NoDescriptors::CanBeHad()) GTEST_SKIP() << "left out on Windows: a reading needs no new handle";
+  const ChildProcess child;
+  const MonitoredProcess self;
+  const MonitoredProcess watched(child.Pid());
+  const NoDescriptors none;
+  EXPECT_GT(self.GetMemoryUsage(), 0U);
+  EXPECT_GT(MonitoredProcess().GetMemoryUsage(), 0U) << "who comes later needs none of his own";
+  EXPECT_GT(GetCurrentProcessMemoryInfo().PrivateUsage, 0U);
+  EXPECT_GT(watched.GetMemoryUsage(), 0U);
 }
 
 TEST(MonitoredProcessTest, TouchedMemoryShowsInTheUsage) {

@@ -3,23 +3,27 @@
 #include <gtest/gtest.h>
 
 #include "support/CaughtAssertion.h"
+#include "support/RowName.h"
 
-namespace qilsys::test {
+namespace qilsys::monitor {
 namespace {
 
+using test::CatchAssertion;
+using test::CaughtAssertion;
+
 struct PercentRow {
-  const char* m_name;
-  ProcessTimesSample m_before;
-  ProcessTimesSample m_after;
-  unsigned int m_cpus;
-  int m_percent;
+  const char* name;
+  ProcessTimesSample before;
+  ProcessTimesSample after;
+  unsigned int cpus;
+  int percent;
 };
 
 class CpuPercentTest : public testing::TestWithParam<PercentRow> {};
 
 TEST_P(CpuPercentTest, FollowsTheArithmetic) {
   const PercentRow& row = GetParam();
-  EXPECT_EQ(CpuPercentBetween(row.m_before, row.m_after, row.m_cpus), row.m_percent);
+  EXPECT_EQ(CpuPercentBetween(row.before, row.after, row.cpus), row.percent);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -37,16 +41,7 @@ INSTANTIATE_TEST_SUITE_P(
         PercentRow{
             "WrappedCountersGiveTheirDifference", {0xFFFFFFFFFFFFFF9C, 0, 0xFFFFFFFFFFFFFF9C}, {100, 0, 300}, 1, 50},
         PercentRow{"NoProcessors", {0, 0, 0}, {0, 1000, 1000}, 0, 0}),
-    [](const auto& row) { return row.param.m_name; });
-
-TEST(AllAtMaximumTest, OneBelowItsMaximumDecides) {
-  EXPECT_FALSE(AllAtMaximum({{3000, 3000}, {2999, 3000}, {3000, 3000}}));
-  EXPECT_FALSE(AllAtMaximum({{0, 3000}}));
-}
-
-TEST(AllAtMaximumTest, AtOrAboveIsMaximum) { EXPECT_TRUE(AllAtMaximum({{3000, 3000}, {3100, 3000}, {0, 0}})); }
-
-TEST(AllAtMaximumTest, UnknownLeansToTrue) { EXPECT_TRUE(AllAtMaximum({})); }
+    test::RowName<PercentRow>);
 
 TEST(RequireProcessorsTest, NoneIsAnAssertion) {
   const CaughtAssertion wanted{"main/monitor/MonitoredProcess_win", 82, "GetNumberOfCpus() > 0", 0xC01C309F,
@@ -56,4 +51,4 @@ TEST(RequireProcessorsTest, NoneIsAnAssertion) {
 }
 
 }  // namespace
-}  // namespace qilsys::test
+}  // namespace qilsys::monitor

@@ -247,7 +247,7 @@ TEST_F(ProcessesTest, AReclaimThatHelpsAvertsTheEnd) {
 
 TEST_F(ProcessesTest, TheOneThatBurnsYieldsTheProcessor) {
   // Only a clock that can't change, as under Wine, says that the load will count.
-  const bool clocksMayChange = !ReadProcessorClocks().empty() && !HasGapsOfWine();
+  const bool clocksMayChange = !monitor::ReadProcessorClocks().empty() && !HasGapsOfWine();
   if (clocksMayChange || !MonitoredProcess::IsCpuAtMaxFrequency()) {
     GTEST_SKIP() << "the clocks of this machine may count the load as none";
   }
