@@ -44,3 +44,7 @@ bool TStringCore::operator<(TCodeUnit c) const { return empty() || *data() < c; 
 bool TStringCore::operator<=(TCodeUnit c) const { return *this < c || *this == c; }
 bool TStringCore::operator>(TCodeUnit c) const { return !(*this < c) && !(*this == c); }
 bool TStringCore::operator>=(TCodeUnit c) const { return !(*this < c); }
+std::weak_ordering TStringCore::operator<=>(TCodeUnit c) const {
+  if (*this < c) return std::weak_ordering::less;
+  return *this == c ? std::weak_ordering::equivalent : std::weak_ordering::greater;
+}

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <atomic>
+#include <compare>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -227,6 +228,11 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   bool operator<=(TCodeUnit c) const;
   bool operator>(TCodeUnit c) const;
   bool operator>=(TCodeUnit c) const;
+  /// By compare, so that texts which differ behind a NUL alone are equivalent but not equal; against one unit by
+  /// operator< and operator==. Declared here, since the conversion to a pointer would bring in the order of addresses.
+  std::weak_ordering operator<=>(const TStringCore& other) const { return compare(other) <=> 0; }
+  std::weak_ordering operator<=>(const TCodeUnit* other) const { return compare(other) <=> 0; }
+  std::weak_ordering operator<=>(TCodeUnit c) const;
 
   // ---- Search: a unit index, or -1. A negative `start` has the length added.
 

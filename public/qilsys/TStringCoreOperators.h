@@ -1,8 +1,10 @@
 /// The free operators of TStringCore: raw text or one unit on the left, foreign operands on either side, and `+`.
 ///
 /// Every pairing is declared by itself, so none is ever made by exchanging the operands of another: with one unit the
-/// two directions differ on purpose.
+/// two directions differ on purpose, but for `<=>`, which mirrors.
 #pragma once
+
+#include <compare>
 
 #include "qilsys/TStringCore.h"
 
@@ -14,6 +16,7 @@ inline bool operator<(const TCodeUnit* a, const TStringCore& b) { return b > a; 
 inline bool operator<=(const TCodeUnit* a, const TStringCore& b) { return b >= a; }
 inline bool operator>(const TCodeUnit* a, const TStringCore& b) { return b < a; }
 inline bool operator>=(const TCodeUnit* a, const TStringCore& b) { return b <= a; }
+inline std::weak_ordering operator<=>(const TCodeUnit* a, const TStringCore& b) { return 0 <=> (b <=> a); }
 
 // ---- One unit on the left
 
@@ -23,33 +26,35 @@ inline bool operator<(TCodeUnit c, const TStringCore& s) { return !(s < c); }
 inline bool operator<=(TCodeUnit c, const TStringCore& s) { return !(s < c) && !(s == c); }
 inline bool operator>(TCodeUnit c, const TStringCore& s) { return s < c || s == c; }
 inline bool operator>=(TCodeUnit c, const TStringCore& s) { return s < c; }
+inline std::weak_ordering operator<=>(TCodeUnit c, const TStringCore& s) { return 0 <=> (s <=> c); }
 
 // ---- Foreign text and units, on either side
 
-#define QILSYS_FOREIGN_COMPARISON(op)                                           \
-  template <ForeignUnit U>                                                      \
-  bool operator op(const TStringCore& a, const U* b) {                          \
-    return a op TForeignText(b).data();                                         \
-  }                                                                             \
-  template <ForeignUnit U>                                                      \
-  bool operator op(const U* a, const TStringCore& b) {                          \
-    return TForeignText(a).data() op b;                                         \
-  }                                                                             \
-  template <ForeignUnit U>                                                      \
-  bool operator op(const TStringCore& s, U c) {                                 \
-    return TForeignText(c).Visit([&](auto text) -> bool { return s op text; }); \
-  }                                                                             \
-  template <ForeignUnit U>                                                      \
-  bool operator op(U c, const TStringCore& s) {                                 \
-    return TForeignText(c).Visit([&](auto text) -> bool { return text op s; }); \
+#define QILSYS_FOREIGN_COMPARISON(Result, op)                                     \
+  template <ForeignUnit U>                                                        \
+  Result operator op(const TStringCore& a, const U* b) {                          \
+    return a op TForeignText(b).data();                                           \
+  }                                                                               \
+  template <ForeignUnit U>                                                        \
+  Result operator op(const U* a, const TStringCore& b) {                          \
+    return TForeignText(a).data() op b;                                           \
+  }                                                                               \
+  template <ForeignUnit U>                                                        \
+  Result operator op(const TStringCore& s, U c) {                                 \
+    return TForeignText(c).Visit([&](auto text) -> Result { return s op text; }); \
+  }                                                                               \
+  template <ForeignUnit U>                                                        \
+  Result operator op(U c, const TStringCore& s) {                                 \
+    return TForeignText(c).Visit([&](auto text) -> Result { return text op s; }); \
   }
 
-QILSYS_FOREIGN_COMPARISON(==)
-QILSYS_FOREIGN_COMPARISON(!=)
-QILSYS_FOREIGN_COMPARISON(<)
-QILSYS_FOREIGN_COMPARISON(<=)
-QILSYS_FOREIGN_COMPARISON(>)
-QILSYS_FOREIGN_COMPARISON(>=)
+QILSYS_FOREIGN_COMPARISON(bool, ==)
+QILSYS_FOREIGN_COMPARISON(bool, !=)
+QILSYS_FOREIGN_COMPARISON(bool, <)
+QILSYS_FOREIGN_COMPARISON(bool, <=)
+QILSYS_FOREIGN_COMPARISON(bool, >)
+QILSYS_FOREIGN_COMPARISON(bool, >=)
+QILSYS_FOREIGN_COMPARISON(std::weak_ordering, <=>)
 
 #undef QILSYS_FOREIGN_COMPARISON
 
