@@ -65,7 +65,7 @@ TStringCore unixToDos(const TCodeUnit* text, size_t length) {
   return result;
 }
 
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 TStringCore unixToDos(const U* text, size_t length) {
   if (length > INT_MAX) throw TStringCore::CapacityException();
   return WithUnits(text, static_cast<int>(length),

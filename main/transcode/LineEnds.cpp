@@ -85,14 +85,14 @@ namespace Unicode {
 
 size_t normalizeLineEndings(char* text, size_t length) { return Normalize(text, length); }
 size_t normalizeLineEndings(TCodeUnit* text, size_t length) { return Normalize(text, length); }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 size_t normalizeLineEndings(U* text, size_t length) {
   return Normalize(text, length);
 }
 
 size_t normalizeLineEndings(char* text) { return Normalize(text, std::strlen(text)); }
 size_t normalizeLineEndings(TCodeUnit* text) { return Normalize(text, std::char_traits<TCodeUnit>::length(text)); }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 size_t normalizeLineEndings(U* text) {
   return Normalize(text, std::char_traits<U>::length(text));
 }

@@ -153,7 +153,7 @@ int Utf16ToUtf32(const TCodeUnit* source, char32_t* target, int capacity) {
   return Utf16ToUtf32(source, qilsys::units::TerminatedLength(source), target, capacity);
 }
 
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf8ToUtf16(const char* source, int length, U* target, int capacity) {
   RequireText(source, length, "Unicode::Utf8ToUtf16");
   if (!target) return sizeof(U) == 2 ? MeasureUtf8ToUtf16(source, length) : MeasureUtf8ToUtf32(source, length);
@@ -165,11 +165,11 @@ int Utf8ToUtf16(const char* source, int length, U* target, int capacity) {
   return StoreTerminated(units.data(), outcome.length, target, capacity, "Unicode::Utf8ToUtf16",
                          "t_u_strFromUTF8WithSub");
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf8ToUtf16(const char* source, U* target, int capacity) {
   return Utf8ToUtf16(source, qilsys::units::TerminatedLength(source), target, capacity);
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf32ToUtf16(const char32_t* source, int length, U* target, int capacity) {
   RequireText(source, length, "Unicode::Utf32ToUtf16");
   if (!target) return sizeof(U) == 2 ? MeasureUtf32ToUtf16(source, length) : length;
@@ -179,25 +179,25 @@ int Utf32ToUtf16(const char32_t* source, int length, U* target, int capacity) {
   const int written = Utf32ToUtf16(source, length, units.data(), room + 1);
   return StoreTerminated(units.data(), written, target, capacity, "Unicode::Utf32ToUtf16", "u_strFromUTF32WithSub");
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf32ToUtf16(const char32_t* source, U* target, int capacity) {
   return Utf32ToUtf16(source, qilsys::units::TerminatedLength(source), target, capacity);
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf16ToUtf8(const U* source, int length, char* target, int capacity) {
   return WithUnits(source, length,
                    [=](const TCodeUnit* units, int n) { return Utf16ToUtf8(units, n, target, capacity); });
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf16ToUtf8(const U* source, char* target, int capacity) {
   return Utf16ToUtf8(source, qilsys::units::TerminatedLength(source), target, capacity);
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf16ToUtf32(const U* source, int length, char32_t* target, int capacity) {
   return WithUnits(source, length,
                    [=](const TCodeUnit* units, int n) { return Utf16ToUtf32(units, n, target, capacity); });
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf16ToUtf32(const U* source, char32_t* target, int capacity) {
   return Utf16ToUtf32(source, qilsys::units::TerminatedLength(source), target, capacity);
 }

@@ -121,19 +121,19 @@ int MeasureUtf16ToUtf32(const TCodeUnit* source) {
   return MeasureUtf16ToUtf32(source, qilsys::units::TerminatedLength(source));
 }
 
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf8(const U* source, int length) {
   return WithUnits(source, length, [](const TCodeUnit* units, int n) { return MeasureUtf16ToUtf8(units, n); });
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf8(const U* source) {
   return MeasureUtf16ToUtf8(source, qilsys::units::TerminatedLength(source));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf32(const U* source, int length) {
   return WithUnits(source, length, [](const TCodeUnit* units, int n) { return MeasureUtf16ToUtf32(units, n); });
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf32(const U* source) {
   return MeasureUtf16ToUtf32(source, qilsys::units::TerminatedLength(source));
 }

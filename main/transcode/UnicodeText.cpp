@@ -14,14 +14,14 @@ namespace {
 
 /// The code point at `p` with `left` units of text from there: a high surrogate that ends the text is alone, and what
 /// lies behind the text is not read.
-template <TextUnit U>
+template <qilsys::TextUnit U>
 char32_t CodePointWithin(const U* p, int left, int* units) {
   if (left > 1 || !CodePoint::IsHighSurrogate(static_cast<char32_t>(*p))) return CodePoint::GetCodePoint(p, units);
   *units = 1;
   return CodePoint::ReplacementCharacter;
 }
 
-template <TextUnit U>
+template <qilsys::TextUnit U>
 int CountTerminated(const U* text) {
   int count = 0;
   for (; text && *text != 0; ++count) {
@@ -32,14 +32,14 @@ int CountTerminated(const U* text) {
   return count;
 }
 
-template <TextUnit U>
+template <qilsys::TextUnit U>
 int CountCodePoints(const U* text, int start, int end) {
   if (end == 0 || start < 0) return 0;
   if (end < 0) return CountTerminated(text ? text + start : text);
   return start < end ? MeasureUtf16ToUtf32(text ? text + start : text, end - start) : 0;
 }
 
-template <TextUnit U>
+template <qilsys::TextUnit U>
 int SizeInUnits(const U* text, int length, int start, int codePoints) {
   if (codePoints == 0 || start < 0 || !text) return 0;
   if (codePoints < 0) return qilsys::units::TerminatedLength(text + start);
@@ -52,7 +52,7 @@ int SizeInUnits(const U* text, int length, int start, int codePoints) {
   return index - start;
 }
 
-template <TextUnit S, TextUnit T>
+template <qilsys::TextUnit S, qilsys::TextUnit T>
 int ValidateCopy(const S* source, int length, T* target, int capacity) {
   if (!source) return 0;
   if (length < 0) length = qilsys::units::TerminatedLength(source);
@@ -69,7 +69,7 @@ int ValidateCopy(const S* source, int length, T* target, int capacity) {
   return written;
 }
 
-template <TextUnit S, TextUnit T>
+template <qilsys::TextUnit S, qilsys::TextUnit T>
 size_t CopyArray(const S* source, size_t length, T* target, size_t capacity) {
   if (!target) return 0;
   if (length < capacity && length <= INT_MAX) {
@@ -90,7 +90,7 @@ int ToLength(size_t length) {
 /// A template, so that only the branch of this platform has to make sense.
 template <class W>
 std::basic_string<W> WideText(const TCodeUnit* text, size_t length) {
-  if constexpr (ForeignUnit<W>) {
+  if constexpr (qilsys::ForeignUnit<W>) {
     const int units = ToLength(length);
     std::basic_string<W> result(length, W{});
     result.resize(static_cast<size_t>(qilsys::units::StoreElements(text, units, result.data(), units)));
@@ -103,7 +103,7 @@ std::basic_string<W> WideText(const TCodeUnit* text, size_t length) {
 }  // namespace
 
 int LengthInCodePoints(const TCodeUnit* text, int start, int end) { return CountCodePoints(text, start, end); }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int LengthInCodePoints(const U* text, int start, int end) {
   return CountCodePoints(text, start, end);
 }
@@ -111,7 +111,7 @@ int LengthInCodePoints(const U* text, int start, int end) {
 int SubStringSizeInCodeUnits(const TCodeUnit* text, int length, int start, int codePoints) {
   return SizeInUnits(text, length, start, codePoints);
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int SubStringSizeInCodeUnits(const U* text, int length, int start, int codePoints) {
   return SizeInUnits(text, length, start, codePoints);
 }
@@ -119,8 +119,8 @@ int SubStringSizeInCodeUnits(const U* text, int length, int start, int codePoint
 int StringValidateCopy(const TCodeUnit* source, int length, TCodeUnit* target, int capacity) {
   return ValidateCopy(source, length, target, capacity);
 }
-template <TextUnit S, TextUnit T>
-  requires(ForeignUnit<S> || ForeignUnit<T>)
+template <qilsys::TextUnit S, qilsys::TextUnit T>
+  requires(qilsys::ForeignUnit<S> || qilsys::ForeignUnit<T>)
 int StringValidateCopy(const S* source, int length, T* target, int capacity) {
   return ValidateCopy(source, length, target, capacity);
 }
@@ -128,8 +128,8 @@ int StringValidateCopy(const S* source, int length, T* target, int capacity) {
 size_t toWCharArray(const TCodeUnit* source, size_t length, TCodeUnit* target, size_t capacity) {
   return CopyArray(source, length, target, capacity);
 }
-template <TextUnit S, TextUnit T>
-  requires(ForeignUnit<S> || ForeignUnit<T>)
+template <qilsys::TextUnit S, qilsys::TextUnit T>
+  requires(qilsys::ForeignUnit<S> || qilsys::ForeignUnit<T>)
 size_t toWCharArray(const S* source, size_t length, T* target, size_t capacity) {
   return CopyArray(source, length, target, capacity);
 }
@@ -153,17 +153,17 @@ std::wstring toStdWString(const TCodeUnit* text, size_t length) {
   return ShowsNothing(text, length) ? std::wstring() : WideText<wchar_t>(text, length);
 }
 
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 std::string toStdString(const U* text, size_t length) {
   return WithUnits(text, ToLength(length),
                    [](const TCodeUnit* units, int n) { return toStdString(units, static_cast<size_t>(n)); });
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 std::u16string toStdU16String(const U* text, size_t length) {
   return WithUnits(text, ToLength(length),
                    [](const TCodeUnit* units, int n) { return toStdU16String(units, static_cast<size_t>(n)); });
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 std::wstring toStdWString(const U* text, size_t length) {
   return WithUnits(text, ToLength(length),
                    [](const TCodeUnit* units, int n) { return toStdWString(units, static_cast<size_t>(n)); });

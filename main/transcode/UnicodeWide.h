@@ -11,7 +11,7 @@ template <class F>
 auto WithUnits(const TForeignUnit* source, int length, F f) {
   static constexpr TCodeUnit Empty[1] = {};
   if (length < 0) return f(source ? Empty : nullptr, length);
-  const TForeignText text(source, length);
+  const qilsys::TForeignText text(source, length);
   return f(text.data(), text.length());
 }
 

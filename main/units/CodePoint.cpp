@@ -7,7 +7,7 @@ namespace CodePoint {
 namespace {
 
 /// From `current` back by one unit and over the low surrogates there; null if they reach `begin`.
-template <TextUnit U>
+template <qilsys::TextUnit U>
 const U* WalkBack(const U* begin, const U* current, int* units) {
   const U* unit = current - 1;
   while (!IsFirstUtf16CodeUnit(*unit)) {
@@ -18,7 +18,7 @@ const U* WalkBack(const U* begin, const U* current, int* units) {
   return unit;
 }
 
-template <TextUnit U>
+template <qilsys::TextUnit U>
 const U* Next(const U* begin, const U* current, int length, int* nextUnits) {
   if (nextUnits) *nextUnits = 0;
   if (!current) return nullptr;
@@ -30,13 +30,13 @@ const U* Next(const U* begin, const U* current, int length, int* nextUnits) {
   return current + step;
 }
 
-template <TextUnit U>
+template <qilsys::TextUnit U>
 const U* Previous(const U* begin, const U* current, int* units) {
   if (units) *units = 0;
   return current && current > begin ? WalkBack(begin, current, units) : nullptr;
 }
 
-template <TextUnit U>
+template <qilsys::TextUnit U>
 const U* Last(const U* text, int length, int* units) {
   if (units) *units = 0;
   return text && length >= 1 ? WalkBack(text, text + length, units) : nullptr;
@@ -47,7 +47,7 @@ const U* Last(const U* text, int length, int* units) {
 const TCodeUnit* GetNextCodePointPointer(const TCodeUnit* begin, const TCodeUnit* current, int length, int* nextUnits) {
   return Next(begin, current, length, nextUnits);
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 const U* GetNextCodePointPointer(const U* begin, std::type_identity_t<const U*> current, int length, int* nextUnits) {
   return Next(begin, current, length, nextUnits);
 }
@@ -55,7 +55,7 @@ const U* GetNextCodePointPointer(const U* begin, std::type_identity_t<const U*> 
 const TCodeUnit* GetPreviousCodePointPointer(const TCodeUnit* begin, const TCodeUnit* current, int* units) {
   return Previous(begin, current, units);
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 const U* GetPreviousCodePointPointer(const U* begin, std::type_identity_t<const U*> current, int* units) {
   return Previous(begin, current, units);
 }
@@ -63,7 +63,7 @@ const U* GetPreviousCodePointPointer(const U* begin, std::type_identity_t<const 
 const TCodeUnit* GetLastCodePointPointer(const TCodeUnit* text, int length, int* units) {
   return Last(text, length, units);
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 const U* GetLastCodePointPointer(const U* text, int length, int* units) {
   return Last(text, length, units);
 }

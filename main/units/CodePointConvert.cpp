@@ -12,12 +12,12 @@ namespace {
 bool HasRoomBehind(int position, int extra, int capacity) { return std::int64_t{position} + extra < capacity; }
 
 /// Elements of T that a code point takes.
-template <TextUnit T>
+template <qilsys::TextUnit T>
 constexpr int ElementsOf(char32_t codePoint) {
   return sizeof(T) == 2 ? CountCodeUnits(codePoint) : 1;
 }
 
-template <TextUnit T>
+template <qilsys::TextUnit T>
 bool WriteUnits(char32_t codePoint, T* target, int& position, int capacity) {
   if (ElementsOf<T>(codePoint) == 1) {
     target[position++] = static_cast<T>(codePoint);
@@ -76,27 +76,27 @@ Sequence DecodeUtf8(const char* source) {
 
 }  // namespace
 
-template <TextUnit S, TextUnit T>
+template <qilsys::TextUnit S, qilsys::TextUnit T>
 int Utf16ToUtf16(const S* source, T* target, int& position, int capacity) {
   int units = 0;
   const char32_t codePoint = GetCodePoint(source, &units);
   return WriteUnits(codePoint, target, position, capacity) ? units : 0;
 }
 
-template <TextUnit S>
+template <qilsys::TextUnit S>
 int Utf16ToUtf32(const S* source, char32_t* target, int& position, int) {
   int units = 0;
   target[position++] = GetCodePoint(source, &units);
   return units;
 }
 
-template <TextUnit T>
+template <qilsys::TextUnit T>
 int Utf32ToUtf16(const char32_t* source, T* target, int& position, int capacity) {
   const char32_t codePoint = *source > 0x10FFFF ? ReplacementCharacter : *source;
   return WriteUnits(codePoint, target, position, capacity) ? 1 : 0;
 }
 
-template <TextUnit S>
+template <qilsys::TextUnit S>
 int Utf16ToUtf8(const S* source, char* target, int& position, int capacity) {
   int units = 0;
   const char32_t codePoint = GetCodePoint(source, &units);
@@ -112,7 +112,7 @@ int Utf32ToUtf8(const char32_t* source, char* target, int& position, int capacit
   return written ? 1 : 0;
 }
 
-template <TextUnit T>
+template <qilsys::TextUnit T>
 int Utf8ToUtf16(const char* source, T* target, int& position, int capacity) {
   const Sequence sequence = DecodeUtf8(source);
   return WriteUnits(sequence.codePoint, target, position, capacity) ? sequence.bytes : 0;

@@ -8,6 +8,7 @@
 #include "units/TextLength.h"
 #include "units/TextLimits.h"
 
+namespace qilsys {
 namespace {
 
 constexpr bool IsWide = sizeof(TForeignUnit) > sizeof(TCodeUnit);
@@ -56,7 +57,7 @@ TForeignText::~TForeignText() {
 }
 
 int TForeignText::Measure(const TForeignUnit* s, int limit) {
-  return limit < 0 ? qilsys::units::TerminatedLength(s) : qilsys::units::TerminatedLength(s, limit);
+  return limit < 0 ? units::TerminatedLength(s) : units::TerminatedLength(s, limit);
 }
 
 void TForeignText::Convert(const TForeignUnit* s) {
@@ -70,9 +71,9 @@ void TForeignText::Convert(const TForeignUnit* s) {
 
 TCodeUnit* TForeignText::Reserve(long long units) {
   if (units <= InlineRoom) return m_inline;
-  if (units > qilsys::units::LengthLimit) qilsys::units::ThrowCapacity();
+  if (units > units::LengthLimit) units::ThrowCapacity();
   m_allocated = static_cast<TCodeUnit*>(TMalloc(static_cast<size_t>(units) * sizeof(TCodeUnit)));
-  if (!m_allocated) qilsys::units::ThrowOutOfMemory();
+  if (!m_allocated) units::ThrowOutOfMemory();
   return m_allocated;
 }
 
@@ -103,7 +104,9 @@ TForeignBuffer::~TForeignBuffer() = default;
 
 int TForeignBuffer::Store(int units) noexcept {
   if (!IsWide || !m_target) return units;
-  const int elements = qilsys::units::StoreElements(m_units, units, m_target, units);
+  const int elements = units::StoreElements(m_units, units, m_target, units);
   m_target[elements] = static_cast<TForeignUnit>(m_units[units]);
   return elements;
 }
+
+}  // namespace qilsys

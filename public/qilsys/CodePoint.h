@@ -12,9 +12,13 @@
 #include "qilsys/Export.h"
 #include "qilsys/TCodeUnit.h"
 
+namespace qilsys {
+
 /// True for the unit types of text, the platform's own and the other one.
 template <class T>
 concept TextUnit = std::same_as<T, TCodeUnit> || ForeignUnit<T>;
+
+}  // namespace qilsys
 
 namespace CodePoint {
 
@@ -34,21 +38,21 @@ constexpr char32_t JoinSurrogates(char32_t high, char32_t low) {
 }
 
 constexpr bool IsASCII(TCodeUnit unit) { return unit < 0x80; }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 constexpr bool IsASCII(U unit) {
   return static_cast<char32_t>(unit) < 0x80;
 }
 
 /// True unless the unit is a low surrogate.
 constexpr bool IsFirstUtf16CodeUnit(TCodeUnit unit) { return !IsLowSurrogate(unit); }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 constexpr bool IsFirstUtf16CodeUnit(U unit) {
   return !IsLowSurrogate(static_cast<char32_t>(unit));
 }
 
 /// The same as IsFirstUtf16CodeUnit.
 constexpr bool IsFirstCodeUnit(TCodeUnit unit) { return IsFirstUtf16CodeUnit(unit); }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 constexpr bool IsFirstCodeUnit(U unit) {
   return IsFirstUtf16CodeUnit(unit);
 }
@@ -61,7 +65,7 @@ constexpr bool IsFirstUtf32CodeUnit(char32_t) { return true; }
 
 /// Always true, whatever the unit; surrogates too.
 constexpr bool IsSingleCodeUnit(TCodeUnit) { return true; }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 constexpr bool IsSingleCodeUnit(U) {
   return true;
 }
@@ -72,7 +76,7 @@ constexpr int CountCodeUnits(const TCodeUnit* p) {
   if (!p || IsLowSurrogate(*p)) return 0;
   return IsHighSurrogate(*p) ? 2 : 1;
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 constexpr int CountCodeUnits(const U* p) {
   if (!p || IsLowSurrogate(static_cast<char32_t>(*p))) return 0;
   return IsHighSurrogate(static_cast<char32_t>(*p)) ? 2 : 1;
@@ -91,7 +95,7 @@ constexpr char32_t Store(int* units, int count, char32_t codePoint) {
   return codePoint;
 }
 
-template <TextUnit U>
+template <qilsys::TextUnit U>
 constexpr char32_t GetCodePoint(const U* p, int* units) {
   if (!p) return Store(units, 0, 0);
   const auto first = static_cast<char32_t>(*p);
@@ -106,7 +110,7 @@ constexpr char32_t GetCodePoint(const U* p, int* units) {
 /// The code point at `p`, and in `units`, which may be null, how many units it takes. A lone surrogate is U+FFFD
 /// and 1 unit; null `p` gives 0 and 0 units. Behind a high surrogate one more unit is read.
 constexpr char32_t GetCodePoint(const TCodeUnit* p, int* units = nullptr) { return detail::GetCodePoint(p, units); }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 constexpr char32_t GetCodePoint(const U* p, int* units = nullptr) {
   return detail::GetCodePoint(p, units);
 }
@@ -116,12 +120,12 @@ constexpr char32_t GetCodePoint(const U* p, int* units = nullptr) {
 /// CountCodeUnits of the unit reached, 0 with a null result.
 QILSYS_API const TCodeUnit* GetNextCodePointPointer(const TCodeUnit* begin, const TCodeUnit* current, int length,
                                                     int* nextUnits = nullptr);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 const U* GetNextCodePointPointer(const U* begin, std::type_identity_t<const U*> current, int length,
                                  int* nextUnits = nullptr);
 
 // A template, so that a literal nullptr picks the const form above.
-template <TextUnit U>
+template <qilsys::TextUnit U>
 U* GetNextCodePointPointer(U* begin, std::type_identity_t<U*> current, int length, int* nextUnits = nullptr) {
   return const_cast<U*>(
       GetNextCodePointPointer(static_cast<const U*>(begin), static_cast<const U*>(current), length, nextUnits));
@@ -132,13 +136,13 @@ U* GetNextCodePointPointer(U* begin, std::type_identity_t<U*> current, int lengt
 /// receives the units stepped, 0 with a null result.
 QILSYS_API const TCodeUnit* GetPreviousCodePointPointer(const TCodeUnit* begin, const TCodeUnit* current,
                                                         int* units = nullptr);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 const U* GetPreviousCodePointPointer(const U* begin, std::type_identity_t<const U*> current, int* units = nullptr);
 
 /// The first unit of the text's last code point, found like GetPreviousCodePointPointer from its end; null for null
 /// `text` and for `length` below 1.
 QILSYS_API const TCodeUnit* GetLastCodePointPointer(const TCodeUnit* text, int length, int* units = nullptr);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 const U* GetLastCodePointPointer(const U* text, int length, int* units = nullptr);
 
 // Converters of one code point. Each writes at target[position], moves `position`, and returns the source elements
@@ -146,45 +150,45 @@ const U* GetLastCodePointPointer(const U* text, int length, int* units = nullptr
 // without a look at `capacity`: callers leave room for one.
 
 /// Copies a code point; a lone surrogate becomes U+FFFD.
-template <TextUnit S, TextUnit T>
+template <qilsys::TextUnit S, qilsys::TextUnit T>
 int Utf16ToUtf16(const S* source, T* target, int& position, int capacity);
 
 /// The same as Utf16ToUtf16, as are the next two.
-template <TextUnit S, TextUnit T>
+template <qilsys::TextUnit S, qilsys::TextUnit T>
 int CopyCodePoint(const S* source, T* target, int& position, int capacity) {
   return Utf16ToUtf16(source, target, position, capacity);
 }
-template <TextUnit S, TextUnit T>
+template <qilsys::TextUnit S, qilsys::TextUnit T>
 int TCodeUnitToUtf16(const S* source, T* target, int& position, int capacity) {
   return Utf16ToUtf16(source, target, position, capacity);
 }
-template <TextUnit S, TextUnit T>
+template <qilsys::TextUnit S, qilsys::TextUnit T>
 int Utf16ToTCodeUnit(const S* source, T* target, int& position, int capacity) {
   return Utf16ToUtf16(source, target, position, capacity);
 }
 
 /// A lone surrogate becomes U+FFFD. `capacity` is not looked at.
-template <TextUnit S>
+template <qilsys::TextUnit S>
 int Utf16ToUtf32(const S* source, char32_t* target, int& position, int capacity);
 
 /// The same as Utf16ToUtf32.
-template <TextUnit S>
+template <qilsys::TextUnit S>
 int TCodeUnitToUtf32(const S* source, char32_t* target, int& position, int capacity) {
   return Utf16ToUtf32(source, target, position, capacity);
 }
 
 /// Surrogate values are written as they stand; a value above 0x10FFFF becomes U+FFFD.
-template <TextUnit T>
+template <qilsys::TextUnit T>
 int Utf32ToUtf16(const char32_t* source, T* target, int& position, int capacity);
 
 /// The same as Utf32ToUtf16.
-template <TextUnit T>
+template <qilsys::TextUnit T>
 int Utf32ToTCodeUnit(const char32_t* source, T* target, int& position, int capacity) {
   return Utf32ToUtf16(source, target, position, capacity);
 }
 
 /// A lone surrogate becomes EF BF BD, for which 4 bytes must be free.
-template <TextUnit S>
+template <qilsys::TextUnit S>
 int Utf16ToUtf8(const S* source, char* target, int& position, int capacity);
 
 /// A surrogate value is written as three bytes; a value above 0x10FFFF becomes EF BF BD, for which 4 bytes must be
@@ -193,7 +197,7 @@ QILSYS_API int Utf32ToUtf8(const char32_t* source, char* target, int& position, 
 
 /// Decodes without rejecting overlong forms and encoded surrogates: a surrogate is written as one unit. A sequence
 /// that breaks off becomes U+FFFD, and the byte that broke it is not consumed.
-template <TextUnit T>
+template <qilsys::TextUnit T>
 int Utf8ToUtf16(const char* source, T* target, int& position, int capacity);
 
 /// Decodes like Utf8ToUtf16. `capacity` is not looked at.

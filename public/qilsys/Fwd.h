@@ -5,8 +5,6 @@
 // Text
 class TStringCore;
 class TFormatStringCore;
-class TForeignText;
-class TForeignBuffer;  // TForeignText.h
 namespace KMP {
 class StringTable;  // KMP.h
 }

@@ -43,63 +43,63 @@ inline bool isSpace(const TCodeUnit* p) {
   return *p < 0x80 ? detail::IsAsciiSpace(*p) : isSpace32(CodePoint::GetCodePoint(p));
 }
 
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 U ToLower(U c) {
-  return static_cast<U>(ToLower(ForeignToUnit(c)));
+  return static_cast<U>(ToLower(qilsys::ForeignToUnit(c)));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 U ToUpper(U c) {
-  return static_cast<U>(ToUpper(ForeignToUnit(c)));
+  return static_cast<U>(ToUpper(qilsys::ForeignToUnit(c)));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isAlpha(U c) {
-  return isAlpha(ForeignToUnit(c));
+  return isAlpha(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isDigit(U c) {
-  return isDigit(ForeignToUnit(c));
+  return isDigit(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isAlnum(U c) {
-  return isAlnum(ForeignToUnit(c));
+  return isAlnum(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isGraph(U c) {
-  return isGraph(ForeignToUnit(c));
+  return isGraph(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isPrint(U c) {
-  return isPrint(ForeignToUnit(c));
+  return isPrint(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isBlank(U c) {
-  return isBlank(ForeignToUnit(c));
+  return isBlank(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isCntrl(U c) {
-  return isCntrl(ForeignToUnit(c));
+  return isCntrl(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isLower(U c) {
-  return isLower(ForeignToUnit(c));
+  return isLower(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isUpper(U c) {
-  return isUpper(ForeignToUnit(c));
+  return isUpper(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isPunct(U c) {
-  return isPunct(ForeignToUnit(c));
+  return isPunct(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isXDigit(U c) {
-  return isXDigit(ForeignToUnit(c));
+  return isXDigit(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isSpace(U c) {
-  return isSpace(ForeignToUnit(c));
+  return isSpace(qilsys::ForeignToUnit(c));
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 bool isSpace(const U* p) {
   return isSpace32(CodePoint::GetCodePoint(p));
 }

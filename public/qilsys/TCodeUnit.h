@@ -24,7 +24,11 @@ using TForeignUnit = char16_t;
 
 static_assert(sizeof(TCodeUnit) == 2);
 
+namespace qilsys {
+
 /// True for the unit type that is not the platform's own. Constraining a template on it, rather than overloading,
 /// keeps a literal `nullptr` unambiguous: it can only mean the TCodeUnit form.
 template <class T>
 concept ForeignUnit = std::same_as<T, TForeignUnit>;
+
+}  // namespace qilsys

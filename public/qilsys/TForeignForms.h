@@ -18,6 +18,8 @@
 template <class TString>
 class TConstCodePointIterator;
 
+namespace qilsys {
+
 template <class A>
 concept ForeignPointer =
     std::is_pointer_v<std::decay_t<A>> && ForeignUnit<std::remove_cv_t<std::remove_pointer_t<std::decay_t<A>>>>;
@@ -523,3 +525,5 @@ class TForeignForms : public TStringOptions {
     return S::findStr(text.data(), text.length(), pair, 2, start);
   }
 };
+
+}  // namespace qilsys

@@ -7,6 +7,8 @@
 #include "qilsys/Export.h"
 #include "qilsys/TCodeUnit.h"
 
+namespace qilsys {
+
 /// True for `char` alone: a template on it takes UTF-8 text beside a native form without making `nullptr` ambiguous.
 template <class T>
 concept NarrowUnit = std::same_as<T, char>;
@@ -92,3 +94,5 @@ TCodeUnit ForeignToUnit(U c) noexcept {
     return static_cast<TCodeUnit>(c);
   }
 }
+
+}  // namespace qilsys

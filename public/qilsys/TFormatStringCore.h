@@ -30,7 +30,7 @@ class QILSYS_API TFormatStringCore {
   explicit TFormatStringCore(const TStringCore& format);
   /// The same with zero-terminated text; null counts as empty.
   explicit TFormatStringCore(const TCodeUnit* format);
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   explicit TFormatStringCore(const U* format) : TFormatStringCore(TStringCore(format)) {}
   /// The same with zero-terminated UTF-8; null counts as empty.
   template <std::same_as<char> C>
@@ -42,7 +42,7 @@ class QILSYS_API TFormatStringCore {
   /// Replaces the template; parameters already given stay. After a failure the object must not be used.
   TFormatStringCore& operator=(const TStringCore& format);
   TFormatStringCore& operator=(const TCodeUnit* format);
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   TFormatStringCore& operator=(const U* format) {
     return *this = TStringCore(format);
   }
@@ -77,31 +77,31 @@ class QILSYS_API TFormatStringCore {
   TFormatStringCore& arg(const std::vector<TStringCore>& all);
 
   /// The forms above for a character or a fill of the other unit type. A fill that needs two units becomes U+FFFD.
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   TFormatStringCore& arg(U a, int fieldWidth = 0) {
     return arg(a, fieldWidth, TCodeUnit{u' '});
   }
-  template <ForeignUnit U, class Fill>
-    requires(ForeignUnit<Fill> || std::same_as<Fill, TCodeUnit>)
+  template <qilsys::ForeignUnit U, class Fill>
+    requires(qilsys::ForeignUnit<Fill> || std::same_as<Fill, TCodeUnit>)
   TFormatStringCore& arg(U a, int fieldWidth, Fill fill) {
-    const TForeignText text(a);
+    const qilsys::TForeignText text(a);
     return arg(TStringCore(text.data(), text.length()), fieldWidth, fill);
   }
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   TFormatStringCore& arg(TCodeUnit a, int fieldWidth, U fill) {
-    return arg(a, fieldWidth, ForeignToUnit(fill));
+    return arg(a, fieldWidth, qilsys::ForeignToUnit(fill));
   }
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   TFormatStringCore& arg(const TStringCore& a, int fieldWidth, U fill) {
-    return arg(a, fieldWidth, ForeignToUnit(fill));
+    return arg(a, fieldWidth, qilsys::ForeignToUnit(fill));
   }
-  template <std::integral T, ForeignUnit U>
+  template <std::integral T, qilsys::ForeignUnit U>
   TFormatStringCore& arg(T a, int fieldWidth, int base, U fill) {
-    return arg(a, fieldWidth, base, ForeignToUnit(fill));
+    return arg(a, fieldWidth, base, qilsys::ForeignToUnit(fill));
   }
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   TFormatStringCore& arg(double a, int fieldWidth, char format, int precision, U fill, bool decimalForm = false) {
-    return arg(a, fieldWidth, format, precision, ForeignToUnit(fill), decimalForm);
+    return arg(a, fieldWidth, format, precision, qilsys::ForeignToUnit(fill), decimalForm);
   }
 
   /// The template with every marker replaced, made with one allocation at most. Raises `Exception` if a marker has no

@@ -29,7 +29,7 @@
 /// Text of up to 14 units lives inside the object; longer text lives in a counted block that copies share until one of
 /// them writes. Units are never validated and may include NUL. Different objects may be used from different threads
 /// even where they share a block; one object is not safe while any thread writes to it.
-class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
+class QILSYS_API TStringCore : public qilsys::TForeignForms<TStringCore> {
  public:
   using value_type = TCodeUnit;
   using size_type = std::size_t;
@@ -50,22 +50,22 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   inline TStringCore() noexcept;
   /// Copies `len` units as they are. Null gives empty text.
   inline TStringCore(const TCodeUnit* s, int len = -1);
-  template <ForeignUnit U>
-  TStringCore(const U* s, int len = -1) : TStringCore(TForeignText(s, s ? len : 0)) {}
+  template <qilsys::ForeignUnit U>
+  TStringCore(const U* s, int len = -1) : TStringCore(qilsys::TForeignText(s, s ? len : 0)) {}
   /// `s` is UTF-8 of `len` bytes; undecodable input becomes U+FFFD. Null gives empty text.
-  template <NarrowUnit C>
+  template <qilsys::NarrowUnit C>
   TStringCore(const C* s, int len = -1) : TStringCore() {
     appendUtf8(s, len);
   }
   /// `n` copies of `c`; none where `n` is negative. A `char` is zero-extended, not decoded.
   TStringCore(TCodeUnit c, int n) : TStringCore() { assign(c, n); }
   TStringCore(char c, int n) : TStringCore() { assign(c, n); }
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   TStringCore(U c, int n) : TStringCore() {
     assign(c, n);
   }
   /// The text of `text`, empty where that is null.
-  explicit TStringCore(const TForeignText& text) : TStringCore(text.data(), text.length()) {}
+  explicit TStringCore(const qilsys::TForeignText& text) : TStringCore(text.data(), text.length()) {}
 
   /// Copies share a block: one atomic increment.
   inline TStringCore(const TStringCore& other) noexcept;
@@ -80,9 +80,9 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   /// One unit. Templates, so that `text = {}` means the empty text.
   template <std::same_as<TCodeUnit> U>
   TStringCore& operator=(U c);
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   TStringCore& operator=(U c) {
-    return *this = TStringCore(TForeignText(c));
+    return *this = TStringCore(qilsys::TForeignText(c));
   }
   void assign(const TStringCore& other) { *this = other; }
   /// `n` copies of `c`; a negative `n` changes nothing.
@@ -527,7 +527,7 @@ class QILSYS_API TStringCore : public TForeignForms<TStringCore> {
   static int leftDoubleLength(const TCodeUnit* text, int len = -1);
 
  private:
-  friend class TForeignForms<TStringCore>;
+  friend class qilsys::TForeignForms<TStringCore>;
   friend struct TStringCoreForTest;
 
   /// One allocation of TRealloc: this header, and `capacity` units directly behind it.

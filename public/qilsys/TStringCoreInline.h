@@ -169,8 +169,8 @@ inline TStringCore& TStringCore::append(TCodeUnit c) {
 
 template <std::same_as<wchar_t> W>
 bool TStringCore::contains(const W* needle, CaseSensitivity cs) const {
-  if constexpr (ForeignUnit<W>) {
-    return containsInTerminated(TForeignText(needle).data(), cs);
+  if constexpr (qilsys::ForeignUnit<W>) {
+    return containsInTerminated(qilsys::TForeignText(needle).data(), cs);
   } else {
     return containsInTerminated(needle, cs);
   }
@@ -178,8 +178,8 @@ bool TStringCore::contains(const W* needle, CaseSensitivity cs) const {
 
 template <std::same_as<char16_t> W>
 bool TStringCore::contains(const W* needle, CaseSensitivity) const {
-  if constexpr (ForeignUnit<W>) {
-    return containsExactly(TForeignText(needle).data());
+  if constexpr (qilsys::ForeignUnit<W>) {
+    return containsExactly(qilsys::TForeignText(needle).data());
   } else {
     return containsExactly(needle);
   }

@@ -30,22 +30,22 @@ inline std::weak_ordering operator<=>(TCodeUnit c, const TStringCore& s) { retur
 
 // ---- Foreign text and units, on either side
 
-#define QILSYS_FOREIGN_COMPARISON(Result, op)                                     \
-  template <ForeignUnit U>                                                        \
-  Result operator op(const TStringCore& a, const U* b) {                          \
-    return a op TForeignText(b).data();                                           \
-  }                                                                               \
-  template <ForeignUnit U>                                                        \
-  Result operator op(const U* a, const TStringCore& b) {                          \
-    return TForeignText(a).data() op b;                                           \
-  }                                                                               \
-  template <ForeignUnit U>                                                        \
-  Result operator op(const TStringCore& s, U c) {                                 \
-    return TForeignText(c).Visit([&](auto text) -> Result { return s op text; }); \
-  }                                                                               \
-  template <ForeignUnit U>                                                        \
-  Result operator op(U c, const TStringCore& s) {                                 \
-    return TForeignText(c).Visit([&](auto text) -> Result { return text op s; }); \
+#define QILSYS_FOREIGN_COMPARISON(Result, op)                                             \
+  template <qilsys::ForeignUnit U>                                                        \
+  Result operator op(const TStringCore& a, const U* b) {                                  \
+    return a op qilsys::TForeignText(b).data();                                           \
+  }                                                                                       \
+  template <qilsys::ForeignUnit U>                                                        \
+  Result operator op(const U* a, const TStringCore& b) {                                  \
+    return qilsys::TForeignText(a).data() op b;                                           \
+  }                                                                                       \
+  template <qilsys::ForeignUnit U>                                                        \
+  Result operator op(const TStringCore& s, U c) {                                         \
+    return qilsys::TForeignText(c).Visit([&](auto text) -> Result { return s op text; }); \
+  }                                                                                       \
+  template <qilsys::ForeignUnit U>                                                        \
+  Result operator op(U c, const TStringCore& s) {                                         \
+    return qilsys::TForeignText(c).Visit([&](auto text) -> Result { return text op s; }); \
   }
 
 QILSYS_FOREIGN_COMPARISON(bool, ==)
@@ -74,21 +74,21 @@ inline TStringCore operator+(TStringCore a, TCodeUnit c) {
 }
 inline TStringCore operator+(const TCodeUnit* a, const TStringCore& b) { return TStringCore(a) + b; }
 inline TStringCore operator+(TCodeUnit c, const TStringCore& b) { return TStringCore(c, 1) + b; }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 TStringCore operator+(TStringCore a, const U* b) {
   a.append(b, -1);
   return a;
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 TStringCore operator+(TStringCore a, U c) {
   a.append(c);
   return a;
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 TStringCore operator+(const U* a, const TStringCore& b) {
   return TStringCore(a) + b;
 }
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 TStringCore operator+(U c, const TStringCore& b) {
-  return TStringCore(TForeignText(c)) + b;
+  return TStringCore(qilsys::TForeignText(c)) + b;
 }

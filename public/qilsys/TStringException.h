@@ -9,7 +9,7 @@ class QILSYS_API TStringCore::Exception {
  public:
   /// Null gives an empty message.
   explicit Exception(const TCodeUnit* text) : message(text) {}
-  template <ForeignUnit U>
+  template <qilsys::ForeignUnit U>
   explicit Exception(const U* text) : message(text) {}
   explicit Exception(const TStringCore& text) : message(text) {}
   explicit Exception(TStringCore&& text) : message(std::move(text)) {}

@@ -38,15 +38,15 @@ QILSYS_API int MeasureUtf8ToUtf8(const char* source);
 /// Measured by ICU. A null source raises under the name of the conversion.
 QILSYS_API int MeasureUtf16ToUtf8(const TCodeUnit* source, int length);
 QILSYS_API int MeasureUtf16ToUtf8(const TCodeUnit* source);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf8(const U* source, int length);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf8(const U* source);
 QILSYS_API int MeasureUtf16ToUtf32(const TCodeUnit* source, int length);
 QILSYS_API int MeasureUtf16ToUtf32(const TCodeUnit* source);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf32(const U* source, int length);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf32(const U* source);
 
 /// Converts as ICU does and returns the elements written, the terminator not counted. With a null target the result
@@ -54,27 +54,27 @@ int MeasureUtf16ToUtf32(const U* source);
 /// which raises for a result of 0 elements.
 QILSYS_API int Utf8ToUtf16(const char* source, int length, TCodeUnit* target, int capacity);
 QILSYS_API int Utf8ToUtf16(const char* source, TCodeUnit* target, int capacity);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf8ToUtf16(const char* source, int length, U* target, int capacity);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf8ToUtf16(const char* source, U* target, int capacity);
 QILSYS_API int Utf32ToUtf16(const char32_t* source, int length, TCodeUnit* target, int capacity);
 QILSYS_API int Utf32ToUtf16(const char32_t* source, TCodeUnit* target, int capacity);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf32ToUtf16(const char32_t* source, int length, U* target, int capacity);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf32ToUtf16(const char32_t* source, U* target, int capacity);
 QILSYS_API int Utf16ToUtf8(const TCodeUnit* source, int length, char* target, int capacity);
 QILSYS_API int Utf16ToUtf8(const TCodeUnit* source, char* target, int capacity);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf16ToUtf8(const U* source, int length, char* target, int capacity);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf16ToUtf8(const U* source, char* target, int capacity);
 QILSYS_API int Utf16ToUtf32(const TCodeUnit* source, int length, char32_t* target, int capacity);
 QILSYS_API int Utf16ToUtf32(const TCodeUnit* source, char32_t* target, int capacity);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf16ToUtf32(const U* source, int length, char32_t* target, int capacity);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int Utf16ToUtf32(const U* source, char32_t* target, int capacity);
 
 /// Converts like CodePoint::Utf8ToUtf32, with no upper limit on values; writes a NUL, for which one element of
@@ -90,26 +90,26 @@ QILSYS_API int Utf32ToUtf8(const char32_t* source, char* target, int capacity);
 /// Code points from index `start` up to `end`, or up to the NUL if `end` is negative; 0 for a zero `end` and for a
 /// negative `start`.
 QILSYS_API int LengthInCodePoints(const TCodeUnit* text, int start, int end);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int LengthInCodePoints(const U* text, int start, int end);
 
 /// Units that the next `codePoints` code points from index `start` take, at most up to `length`; a negative
 /// `codePoints` means up to the NUL.
 QILSYS_API int SubStringSizeInCodeUnits(const TCodeUnit* text, int length, int start, int codePoints);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 int SubStringSizeInCodeUnits(const U* text, int length, int start, int codePoints);
 
 /// Copies whole code points while they and a NUL fit, with lone surrogates as U+FFFD, and returns the units written.
 /// A negative `length` means up to the NUL. Null source, or target equal to source: 0. Null target: the length.
 QILSYS_API int StringValidateCopy(const TCodeUnit* source, int length, TCodeUnit* target, int capacity);
-template <TextUnit S, TextUnit T>
-  requires(ForeignUnit<S> || ForeignUnit<T>)
+template <qilsys::TextUnit S, qilsys::TextUnit T>
+  requires(qilsys::ForeignUnit<S> || qilsys::ForeignUnit<T>)
 int StringValidateCopy(const S* source, int length, T* target, int capacity);
-template <ForeignUnit T>
+template <qilsys::ForeignUnit T>
 int StringValidateCopy(std::nullptr_t, int, T*, int) {
   return 0;
 }
-template <ForeignUnit S>
+template <qilsys::ForeignUnit S>
 int StringValidateCopy(const S* source, int length, std::nullptr_t, int capacity) {
   return StringValidateCopy(source, length, static_cast<S*>(nullptr), capacity);
 }
@@ -117,27 +117,27 @@ int StringValidateCopy(const S* source, int length, std::nullptr_t, int capacity
 /// Copies like StringValidateCopy and returns the units written, the NUL included; 0 for a null target, and if
 /// `length` is not below `capacity`, where the target then holds an empty text.
 QILSYS_API size_t toWCharArray(const TCodeUnit* source, size_t length, TCodeUnit* target, size_t capacity);
-template <TextUnit S, TextUnit T>
-  requires(ForeignUnit<S> || ForeignUnit<T>)
+template <qilsys::TextUnit S, qilsys::TextUnit T>
+  requires(qilsys::ForeignUnit<S> || qilsys::ForeignUnit<T>)
 size_t toWCharArray(const S* source, size_t length, T* target, size_t capacity);
-template <ForeignUnit S>
+template <qilsys::ForeignUnit S>
 size_t toWCharArray(const S*, size_t, std::nullptr_t, size_t) {
   return 0;
 }
 
 /// UTF-8. Empty for text that begins with a NUL, whatever its length; so are the next two.
 QILSYS_API std::string toStdString(const TCodeUnit* text, size_t length);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 std::string toStdString(const U* text, size_t length);
 
 /// The units unchanged.
 QILSYS_API std::u16string toStdU16String(const TCodeUnit* text, size_t length);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 std::u16string toStdU16String(const U* text, size_t length);
 
 /// The units unchanged, or code points where wchar_t holds these; a lone surrogate then stays an element.
 QILSYS_API std::wstring toStdWString(const TCodeUnit* text, size_t length);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 std::wstring toStdWString(const U* text, size_t length);
 
 /// Turns CR LF, runs of CR and most lone CR into LF, in place, writes a NUL behind and returns the new length. The
@@ -146,14 +146,14 @@ QILSYS_API size_t normalizeLineEndings(char* text);
 QILSYS_API size_t normalizeLineEndings(char* text, size_t length);
 QILSYS_API size_t normalizeLineEndings(TCodeUnit* text);
 QILSYS_API size_t normalizeLineEndings(TCodeUnit* text, size_t length);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 size_t normalizeLineEndings(U* text);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 size_t normalizeLineEndings(U* text, size_t length);
 
 /// A copy with each line ending as CR LF.
 QILSYS_API TStringCore unixToDos(const TCodeUnit* text, size_t length);
-template <ForeignUnit U>
+template <qilsys::ForeignUnit U>
 TStringCore unixToDos(const U* text, size_t length);
 
 }  // namespace Unicode

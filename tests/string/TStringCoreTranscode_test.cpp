@@ -221,7 +221,7 @@ TEST(ToLocal8Bit, GoesThroughTheDefaultConverter) {
 
 // ---- To an array
 
-template <TextUnit U>
+template <qilsys::TextUnit U>
 void FillsAnArray() {
   const TStringCore text = FromUnits(u"abc");
   U target[6];

@@ -160,7 +160,7 @@ TEST(UnicodeCopyEdge, WideTargetsHoldTheirOwnElements) {
 
 // ---- toWCharArray
 
-template <TextUnit S, TextUnit T>
+template <qilsys::TextUnit S, qilsys::TextUnit T>
 void CopiesToArray() {
   const auto source = As<S>(u"abc");
   T target[8];

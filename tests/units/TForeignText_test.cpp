@@ -8,6 +8,7 @@
 #include "qilsys/TStringCore.h"
 #include "support/Literals.h"
 
+namespace qilsys {
 namespace {
 
 constexpr bool IsWide = sizeof(TForeignUnit) > sizeof(TCodeUnit);
@@ -148,3 +149,4 @@ TEST(ForeignBuffer, StoresWhatWasEdited) {
 TEST(ForeignBuffer, NullStaysNull) { EXPECT_EQ(TForeignBuffer(nullptr).data(), nullptr); }
 
 }  // namespace
+}  // namespace qilsys
