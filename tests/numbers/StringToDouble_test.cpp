@@ -16,7 +16,24 @@ namespace {
 
 constexpr double s_infinity = std::numeric_limits<double>::infinity();
 constexpr double s_smallest = std::numeric_limits<double>::denorm_min();
+constexpr double s_largestSubnormal = std::numeric_limits<double>::min() - s_smallest;
 constexpr int s_kept = 77;  // What errno held before.
+
+/// A subnormal number to its last digit, which stands 1074 places behind the point, by paper and pencil: halving.
+std::string Decimals(double value) {
+  std::string digits(1074, '0');
+  std::uint64_t multiple = std::bit_cast<std::uint64_t>(value);
+  // value is multiple / 2^1074: halve what has been read of the multiple, from its lowest bit on.
+  for (int place = 0; place < 1074; ++place, multiple >>= 1) {
+    int rest = static_cast<int>(multiple & 1);
+    for (char& digit : digits) {
+      const int tens = rest * 10 + (digit - '0');
+      digit = static_cast<char>('0' + tens / 2);
+      rest = tens % 2;
+    }
+  }
+  return "0." + digits;
+}
 
 struct Row {
   const char* name;
@@ -68,11 +85,36 @@ const Row s_rows[] = {
     {"HexadecimalPointAlone", "0x.", 0, 1, s_kept},
     {"HexadecimalOtherLetter", "0xg", 0, 1, s_kept},
     {"HexadecimalSignBehindPrefix", "0x-1", 0, 1, s_kept},
+    {"HexadecimalPlusInExponent", "0x1p+1", 2, 6, s_kept},
+    {"HexadecimalMinusInExponent", "0x1p-1", 0.5, 6, s_kept},
+    {"HexadecimalPlusMinusInExponent", "0x1p+-1", 1, 3, s_kept},
+    {"HexadecimalPlusMinusUpper", "0X10P+-4", 16, 4, s_kept},
+    {"HexadecimalMinusPlusInExponent", "0x1p-+1", 1, 3, s_kept},
+    {"HexadecimalPlusPlusInExponent", "0x1p++1", 1, 3, s_kept},
+    {"HexadecimalMinusMinusInExponent", "0x1p--1", 1, 3, s_kept},
+    {"HexadecimalSignsBehindTheNumber", "0x1zp+-1", 1, 3, s_kept},
+    {"HexadecimalExponentSignAlone", "0x1p+", 1, 3, s_kept},
+    {"PlusMinusInExponent", "1e+-5", 1, 1, s_kept},
     {"HexadecimalTooLarge", "0x1p1024", s_infinity, 8, ERANGE},
     {"HexadecimalTooSmall", "0x1p-1080", 0, 9, ERANGE},
     {"Largest", "1.7976931348623157e308", std::numeric_limits<double>::max(), 22, s_kept},
     {"SmallestNormal", "2.2250738585072014e-308", std::numeric_limits<double>::min(), 23, s_kept},
+    {"RoundsUpToTheSmallestNormal", "2.2250738585072012e-308", std::numeric_limits<double>::min(), 23, s_kept},
     {"Subnormal", "1e-320", 1e-320, 6, ERANGE},
+    {"ExactHexadecimalSubnormal", "0x1p-1074", s_smallest, 9, s_kept},
+    {"ExactHexadecimalSubnormalOfManyDigits", "-0x0.fffffffffffffp-1022", -s_largestSubnormal, 24, s_kept},
+    {"ExactHexadecimalSubnormalWithZeros", "0x00.0018000p-1061", 3 * s_smallest, 18, s_kept},
+    {"ExactHexadecimalSubnormalBehindPoint", "0x.000cp-1060", 3 * s_smallest, 13, s_kept},
+    {"HexadecimalSubnormalOfOneBitMore", "0x1.8p-1074", 2 * s_smallest, 11, ERANGE},
+    {"HexadecimalSubnormalOfOneDigitMore", "0x1.00000000000000000001p-1074", s_smallest, 30, ERANGE},
+    {"HexadecimalRoundsUpToTheSmallestNormal", "0x0.fffffffffffff8p-1022", std::numeric_limits<double>::min(), 24,
+     s_kept},
+    {"ExactDecimalSubnormal", Decimals(s_smallest), s_smallest, 1076, s_kept},
+    {"ExactDecimalSubnormalOfMostDigits", Decimals(s_largestSubnormal), s_largestSubnormal, 1076, s_kept},
+    {"ExactDecimalSubnormalWithZeros", "000" + Decimals(s_smallest) + "00e0", s_smallest, 1083, s_kept},
+    {"DecimalSubnormalOfOneDigitMore", Decimals(s_smallest) + "01", s_smallest, 1078, ERANGE},
+    {"DecimalSubnormalOfOneDigitLess", Decimals(s_largestSubnormal).substr(0, 1075), s_largestSubnormal, 1075, ERANGE},
+    {"DecimalSubnormalWithExponent", Decimals(s_smallest) + "e-1", 0, 1079, ERANGE},
     {"SmallestSubnormal", "4.9406564584124654e-324", s_smallest, 23, ERANGE},
     {"TooSmall", "-1e-400", -0.0, 7, ERANGE},
     {"TooLarge", "1e400", s_infinity, 5, ERANGE},
