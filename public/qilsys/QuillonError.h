@@ -1,6 +1,8 @@
 /// The identity of an error: a number that stays the same for ever, and a name for people.
 #pragma once
 
+#include <compare>
+
 #include "qilsys/Export.h"
 #include "qilsys/TStringCore.h"
 
@@ -20,6 +22,12 @@ class QILSYS_API QuillonError {
   unsigned int GetCode() const { return m_code; }
   /// The name, by reference into this record.
   const TStringCore& GetCodeName() const { return m_codeName; }
+
+  /// By the code alone. The order is a weak one, since equal errors may still differ in their names.
+  friend bool operator==(const QuillonError& a, const QuillonError& b) noexcept { return a.m_code == b.m_code; }
+  friend std::weak_ordering operator<=>(const QuillonError& a, const QuillonError& b) noexcept {
+    return a.m_code <=> b.m_code;
+  }
 
  private:
   QuillonError(unsigned int code, TStringCore codeName);
