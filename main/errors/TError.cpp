@@ -1,3 +1,4 @@
+// The record of an error, the names of its two enumerations, and the strings by which it crosses a boundary.
 #include "qilsys/TError.h"
 
 #include <algorithm>
@@ -6,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace TError {
 namespace {
@@ -15,14 +17,14 @@ struct SourceName {
   const char* name;
 };
 
-constexpr std::array s_sourceNames = {
+constexpr std::array SourceNames = {
     SourceName{Client, "Client"},   SourceName{Configuration, "Configuration"},
     SourceName{Content, "Content"}, SourceName{DataSource, "DataSource"},
     SourceName{System, "System"},
 };
 
 // The index is the status.
-constexpr std::array s_statusNames = {
+constexpr std::array StatusNames = {
     "OK",        "CANCELLED",       "UNKNOWN",           "INVALID_ARGUMENT",   "DEADLINE_EXCEEDED",
     "NOT_FOUND", "ALREADY_EXISTS",  "PERMISSION_DENIED", "RESOURCE_EXHAUSTED", "FAILED_PRECONDITION",
     "ABORTED",   "OUT_OF_RANGE",    "UNIMPLEMENTED",     "INTERNAL",           "UNAVAILABLE",
@@ -33,12 +35,18 @@ bool EqualIgnoringCase(const TStringCore& a, const char* b) {
   return a.compare(TStringCore(b), TStringCore::CaseInsensitive) == 0;
 }
 
-// The classes of the "C" locale, whatever the host's locale is.
+constexpr char NameOfOthers[] = "NeedsClassification";
+
+// The classes and the case of the "C" locale, whatever the host's locale is: in Turkish, "I" is no capital of "i".
 constexpr bool IsDigit(char c) { return '0' <= c && c <= '9'; }
 constexpr bool IsLetter(char c) { return ('A' <= c && c <= 'Z') || ('a' <= c && c <= 'z'); }
 constexpr bool IsHexDigit(char c) { return IsDigit(c) || ('A' <= c && c <= 'F') || ('a' <= c && c <= 'f'); }
 
-constexpr std::string_view s_codePrefix = "0x";
+constexpr char ToLower(char c) { return 'A' <= c && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
+
+bool EqualAsAscii(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, {}, ToLower, ToLower); }
+
+constexpr std::string_view CodePrefix = "0x";
 
 // The three forms are matched by hand: the text comes from outside, and the run-time library's regular expressions
 // recurse once a character.
@@ -49,8 +57,16 @@ bool IsSourceText(std::string_view text) {  // ^[A-Za-z]+$
   return !text.empty() && std::ranges::all_of(text, IsLetter);
 }
 bool IsCodeText(std::string_view text) {  // ^0x[0-9A-Fa-f]{8}$
-  return text.size() == 10 && text.starts_with(s_codePrefix) &&
-         std::ranges::all_of(text.substr(s_codePrefix.size()), IsHexDigit);
+  return text.size() == 10 && text.starts_with(CodePrefix) &&
+         std::ranges::all_of(text.substr(CodePrefix.size()), IsHexDigit);
+}
+
+// The code with its prefix, in eight upper-case digits.
+TStringCore CodeText(unsigned int code) {
+  constexpr int Digits = 8;
+  char text[] = "0x00000000";
+  for (char* digit = text + CodePrefix.size() + Digits; code != 0; code >>= 4) *--digit = "0123456789ABCDEF"[code & 15];
+  return TStringCore(text);
 }
 
 unsigned int ToNumber(std::string_view digits, int base) {
@@ -69,27 +85,27 @@ void Require(bool condition, int problem) {
 }  // namespace
 
 TStringCore GetErrorSourceAsString(ErrorSource source) {
-  const auto found = std::ranges::find(s_sourceNames, source, &SourceName::source);
-  return found != s_sourceNames.end() ? TStringCore(found->name) : TStringCore("NeedsClassification");
+  const auto found = std::ranges::find(SourceNames, source, &SourceName::source);
+  return found != SourceNames.end() ? TStringCore(found->name) : TStringCore(NameOfOthers);
 }
 
 ErrorSource GetErrorSourceFromString(const TStringCore& name) {
   const auto found =
-      std::ranges::find_if(s_sourceNames, [&name](const SourceName& row) { return EqualIgnoringCase(name, row.name); });
-  return found != s_sourceNames.end() ? found->source : NeedsClassification;
+      std::ranges::find_if(SourceNames, [&name](const SourceName& row) { return EqualIgnoringCase(name, row.name); });
+  return found != SourceNames.end() ? found->source : NeedsClassification;
 }
 
 TStringCore GetStatusCodeAsString(grpc::StatusCode status) {
   const int index = status;
-  const bool hasName = 0 <= index && index < static_cast<int>(s_statusNames.size());
-  return TStringCore(hasName ? s_statusNames[static_cast<std::size_t>(index)] : "DO_NOT_USE");
+  const bool hasName = 0 <= index && index < static_cast<int>(StatusNames.size());
+  return TStringCore(hasName ? StatusNames[static_cast<std::size_t>(index)] : "DO_NOT_USE");
 }
 
 grpc::StatusCode GetStatusCodeFromString(const TStringCore& name) {
   const auto found =
-      std::ranges::find_if(s_statusNames, [&name](const char* row) { return EqualIgnoringCase(name, row); });
-  return found != s_statusNames.end() ? static_cast<grpc::StatusCode>(found - s_statusNames.begin())
-                                      : grpc::StatusCode::DO_NOT_USE;
+      std::ranges::find_if(StatusNames, [&name](const char* row) { return EqualIgnoringCase(name, row); });
+  return found != StatusNames.end() ? static_cast<grpc::StatusCode>(found - StatusNames.begin())
+                                    : grpc::StatusCode::DO_NOT_USE;
 }
 
 ErrorInfo::ErrorInfo(const QuillonError& error, ErrorSource source, grpc::StatusCode status)
@@ -130,29 +146,31 @@ void ErrorInfo::SetAuxDatum(const TStringCore& key, const TStringCore& value) {
 }
 
 void ErrorInfo::GetMembersAsStrings(TStringCore& code, TStringCore& source, TStringCore& status) const {
-  status = TStringCore::number(static_cast<int>(m_status));
-  source = GetErrorSourceAsString(m_source);
-  code = u"0x" + TStringCore::number(m_error.GetCode(), 16).rightJustified(8, u'0').toUpper();
+  TStringCore statusText = TStringCore::number(static_cast<int>(m_status));
+  TStringCore sourceText = GetErrorSourceAsString(m_source);
+  TStringCore codeText = CodeText(m_error.GetCode());
+  status = std::move(statusText);
+  source = std::move(sourceText);
+  code = std::move(codeText);
 }
 
 ErrorInfo ErrorInfo::FromStringifiedMembers(const TStringCore& code, const TStringCore& source,
                                             const TStringCore& status) {
   const std::string codeText = code.toStdString();
+  const std::string sourceText = source.toStdString();
   const std::string statusText = status.toStdString();
   Require(IsStatusText(statusText), 1);
-  Require(IsSourceText(source.toStdString()), 2);
+  Require(IsSourceText(sourceText), 2);
   Require(IsCodeText(codeText), 3);
 
   const unsigned int statusNumber = ToNumber(statusText, 10);
-  const unsigned int codeNumber = ToNumber(std::string_view(codeText).substr(s_codePrefix.size()), 16);
+  const unsigned int codeNumber = ToNumber(std::string_view(codeText).substr(CodePrefix.size()), 16);
   const ErrorSource knownSource = GetErrorSourceFromString(source);
-  Require(statusNumber < s_statusNames.size(), 4);
+  Require(statusNumber < StatusNames.size(), 4);
   // No text that is left by now has a zero code by another spelling; this guards the one code that means no error.
   Require(codeNumber != 0 || codeText == "0x00000000", 5);
   // The look-up gives this source for unknown names too; only the name itself may have meant it.
-  Require(knownSource != NeedsClassification ||
-              GetErrorSourceAsString(knownSource).toLower().compare(source.toLower()) == 0,
-          6);
+  Require(knownSource != NeedsClassification || EqualAsAscii(sourceText, NameOfOthers), 6);
 
   return ErrorInfo(QuillonError::MakeError(codeNumber, TStringCore("AutoGen_") + code), knownSource,
                    static_cast<grpc::StatusCode>(statusNumber));

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/DefaultLocale.h"
 #include "support/RowName.h"
 #include "support/Utf8.h"
 
@@ -332,6 +333,16 @@ TEST(ErrorInfoReader, TakesALeadingZeroInTheStatus) {
 TEST(ErrorInfoReader, TakesSourcesInAnyCase) {
   EXPECT_EQ(Read({"0x00000001", "dATAsOURCE", "0"}).GetErrorSource(), TError::DataSource);
   EXPECT_EQ(Read({"0x00000001", "needsclassification", "0"}).GetErrorSource(), TError::NeedsClassification);
+}
+
+// Where "I" lowers to a dotless "i".
+TEST(ErrorInfoReader, TakesSourcesInAnyCaseInATurkishEnvironment) {
+  for (const char* name : {"tr_TR", "az"}) {
+    const qilsys::test::DefaultLocale locale(name);
+    EXPECT_TRUE(Read({"0x00000000", "NEEDSCLASSIFICATION", "0"}) == ErrorInfo::NoError()) << name;
+    EXPECT_EQ(Read({"0x00000001", "CLIENT", "0"}).GetErrorSource(), TError::Client) << name;
+    EXPECT_EQ(Write(InfoOf(0xABCDEF01)).code, "0xABCDEF01") << name;
+  }
 }
 
 TEST(ErrorInfoReader, AnUnnamedSourceComesBackAsNeedsClassification) {

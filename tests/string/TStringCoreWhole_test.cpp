@@ -1,15 +1,16 @@
 // Fill, reverse, byte order mark, line endings and case.
 #include <gtest/gtest.h>
-#include <unicode/uloc.h>
 
 #include <string>
 
 #include "qilsys/TStringCore.h"
 #include "qilsys/Unicode.h"
+#include "support/DefaultLocale.h"
 #include "support/StringText.h"
 #include "support/TStringCoreForTest.h"
 
 using namespace std::string_literals;
+using qilsys::test::DefaultLocale;
 using qilsys::test::UnitsOf;
 
 namespace {
@@ -145,22 +146,6 @@ TEST(TStringCoreCase, ResultsThatGrowPastTheFirstRoom) {
   for (int i = 0; i < 40; ++i) upper += u"\u0399\u0308\u0301";
   EXPECT_EQ(UnitsOf(text.toUpper()), upper);
 }
-
-/// Sets ICU's default locale while it lives.
-class DefaultLocale {
- public:
-  explicit DefaultLocale(const char* name) : m_kept(uloc_getDefault()) { Set(name); }
-  ~DefaultLocale() { Set(m_kept.c_str()); }
-  DefaultLocale(const DefaultLocale&) = delete;
-  DefaultLocale& operator=(const DefaultLocale&) = delete;
-
- private:
-  static void Set(const char* name) {
-    UErrorCode status = U_ZERO_ERROR;
-    uloc_setDefault(name, &status);
-  }
-  std::string m_kept;
-};
 
 TEST(TStringCoreCase, FollowsTheDefaultLocaleForAsciiToo) {
   for (const char* name : {"tr", "tr_TR", "az"}) {
