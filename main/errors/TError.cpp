@@ -112,7 +112,14 @@ ErrorInfo::ErrorInfo(const QuillonError& error, ErrorSource source, grpc::Status
     : m_error(error), m_source(source), m_status(status) {}
 
 ErrorInfo::ErrorInfo(const ErrorInfo&) = default;
-ErrorInfo& ErrorInfo::operator=(const ErrorInfo&) = default;
+ErrorInfo& ErrorInfo::operator=(const ErrorInfo& other) {
+  // First what may fail.
+  SetAuxAttrs(other.m_auxAttrs);
+  m_error = other.m_error;
+  m_source = other.m_source;
+  m_status = other.m_status;
+  return *this;
+}
 ErrorInfo::~ErrorInfo() = default;
 
 bool ErrorInfo::operator==(const ErrorInfo& other) const {
@@ -134,7 +141,11 @@ ErrorInfo ErrorInfo::TestError() {
 
 std::map<TStringCore, TStringCore> ErrorInfo::GetAuxAttrs() const { return m_auxAttrs; }
 
-void ErrorInfo::SetAuxAttrs(const std::map<TStringCore, TStringCore>& attrs) { m_auxAttrs = attrs; }
+void ErrorInfo::SetAuxAttrs(const std::map<TStringCore, TStringCore>& attrs) {
+  if (&attrs == &m_auxAttrs) return;
+  std::map<TStringCore, TStringCore> copy(attrs);
+  m_auxAttrs.swap(copy);
+}
 
 TStringCore ErrorInfo::GetAuxDatum(const TStringCore& key) const {
   const auto found = m_auxAttrs.find(key);

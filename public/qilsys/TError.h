@@ -57,7 +57,7 @@ class QILSYS_API ErrorInfo {
 
   /// A copy of all attributes. The library never reads or writes them; they stay inside the process.
   std::map<TStringCore, TStringCore> GetAuxAttrs() const;
-  /// Replaces all attributes.
+  /// Replaces all attributes. As with assignment, memory that runs out (std::bad_alloc) leaves the record as it was.
   void SetAuxAttrs(const std::map<TStringCore, TStringCore>& attrs);
   /// The value of a key, empty when the key is absent.
   TStringCore GetAuxDatum(const TStringCore& key) const;

@@ -6,9 +6,11 @@
 #include <string>
 
 #include "support/DefaultLocale.h"
+#include "support/FailingNew.h"
 #include "support/RowName.h"
 #include "support/Utf8.h"
 
+using qilsys::test::FailOneByOne;
 using qilsys::test::Utf8;
 using TError::ErrorInfo;
 using TError::ErrorSource;
@@ -237,6 +239,43 @@ TEST(ErrorInfoAttributes, SelfAssignmentKeepsThem) {
   const ErrorInfo& same = info;
   info = same;
   EXPECT_EQ(Utf8(info.GetAuxDatum(u"key")), "value");
+}
+
+// ---- When memory runs out
+
+ErrorInfo InfoWithAttributes(unsigned int code, const char16_t* value) {
+  ErrorInfo info = InfoOf(code);
+  info.SetAuxAttrs(Attrs{{u"one", value}, {u"two", value}, {u"three", value}});
+  return info;
+}
+
+void ExpectSame(const ErrorInfo& info, const ErrorInfo& wanted) {
+  EXPECT_TRUE(info == wanted);
+  EXPECT_EQ(Utf8(info.GetQuillonError().GetCodeName()), Utf8(wanted.GetQuillonError().GetCodeName()));
+  EXPECT_TRUE(info.GetAuxAttrs() == wanted.GetAuxAttrs());
+}
+
+TEST(ErrorInfoOutOfMemory, AssignmentLeavesTheRecordAsItWas) {
+  const ErrorInfo before = InfoWithAttributes(1, u"before");
+  const ErrorInfo after = InfoWithAttributes(2, u"after");
+  ErrorInfo info(before);
+  EXPECT_EQ(FailOneByOne([&] { info = after; }, [&] { ExpectSame(info, before); }), 3);
+  ExpectSame(info, after);
+}
+
+TEST(ErrorInfoOutOfMemory, SettingAllAttributesLeavesThemAsTheyWere) {
+  const ErrorInfo before = InfoWithAttributes(1, u"before");
+  const Attrs attrs{{u"four", u"value"}, {u"five", u"value"}};
+  ErrorInfo info(before);
+  EXPECT_EQ(FailOneByOne([&] { info.SetAuxAttrs(attrs); }, [&] { ExpectSame(info, before); }), 2);
+  EXPECT_TRUE(info.GetAuxAttrs() == attrs);
+}
+
+TEST(ErrorInfoOutOfMemory, SettingOneAttributeLeavesThemAsTheyWere) {
+  const ErrorInfo before = InfoWithAttributes(1, u"before");
+  ErrorInfo info(before);
+  EXPECT_EQ(FailOneByOne([&] { info.SetAuxDatum(u"four", u"value"); }, [&] { ExpectSame(info, before); }), 1);
+  EXPECT_EQ(Utf8(info.GetAuxDatum(u"four")), "value");
 }
 
 // ---- The marshalled form
