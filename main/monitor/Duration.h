@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <limits>
 
+namespace qilsys::monitor {
+
 inline std::int64_t SecondsTimes(std::int64_t seconds, std::int64_t factor) {
   constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
   constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
@@ -18,3 +20,5 @@ inline std::int64_t NanosecondsOf(std::int64_t seconds) { return SecondsTimes(se
 inline std::chrono::milliseconds MillisecondsOf(std::int64_t seconds) {
   return std::chrono::milliseconds(SecondsTimes(seconds, 1000));
 }
+
+}  // namespace qilsys::monitor

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-TStringCore BytesText(unsigned long long bytes) {
+TStringCore qilsys::monitor::BytesText(unsigned long long bytes) {
   std::ostringstream stream;
   // Over the classic locale, so that the host's own has no say; the locale owns the facet.
   stream.imbue(std::locale(std::locale::classic(), new CommaNumPunct));

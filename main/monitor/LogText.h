@@ -13,5 +13,9 @@ class CommaNumPunct : public std::numpunct<char> {
   std::string do_grouping() const override { return "\3"; }
 };
 
+namespace qilsys::monitor {
+
 /// "1,234,567 bytes". All other numbers of the log lines are plain decimal.
 TStringCore BytesText(unsigned long long bytes);
+
+}  // namespace qilsys::monitor

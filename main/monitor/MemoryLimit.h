@@ -3,6 +3,10 @@
 
 #include <cstdint>
 
+namespace qilsys::monitor {
+
 /// `ResourceManager::AdjustMemoryLimit` for a machine of `total` bytes. Unsigned 64 bits wrap where the base or the
 /// reserve passes `total`.
 std::uint64_t MemoryLimitFor(std::uint64_t total, unsigned int minimumBaseGiB, double fraction, double reserveGiB);
+
+}  // namespace qilsys::monitor

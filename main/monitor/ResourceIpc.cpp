@@ -81,7 +81,7 @@ ResourceIpc::~ResourceIpc() { Stop(); }
 
 void ResourceIpc::Stop() {
   m_sockets->m_receiveContext.stop();
-  JoinIfJoinable(m_thread);
+  qilsys::monitor::JoinIfJoinable(m_thread);
 }
 
 void ResourceIpc::Send(const ResourceValuesV1& values) { m_sockets->Send(values); }

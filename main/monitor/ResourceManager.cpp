@@ -81,7 +81,7 @@ double ResourceManager::GetMemoryPressure() { return s_singleton != nullptr ? s_
 unsigned long long ResourceManager::AdjustMemoryLimit(unsigned int minimumBaseGiB, unsigned int explicitLimitGiB,
                                                       double fraction, double reserveGiB) {
   if (explicitLimitGiB != 0) return std::uint64_t{explicitLimitGiB} << 30;
-  return MemoryLimitFor(TSystem::Memory().m_totalPhysical, minimumBaseGiB, fraction, reserveGiB);
+  return qilsys::monitor::MemoryLimitFor(TSystem::Memory().m_totalPhysical, minimumBaseGiB, fraction, reserveGiB);
 }
 
 ResourceManager& ResourceManager::operator=(const ResourceManager&) { return *this; }

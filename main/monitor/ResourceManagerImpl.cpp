@@ -7,6 +7,8 @@
 #include "qilsys/LogicException.h"
 #include "qilsys/TSystem.h"
 
+using namespace qilsys::monitor;
+
 namespace {
 
 constexpr char File[] = "main/monitor/ResourceManagerImpl";

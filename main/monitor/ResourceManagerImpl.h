@@ -51,7 +51,7 @@ class ResourceManagerImpl {
   using NextWait = std::optional<std::chrono::milliseconds>;
 
   /// The time that `m_highCpuSince` can't have.
-  static constexpr std::int64_t s_notHigh = std::numeric_limits<std::int64_t>::max();
+  static constexpr std::int64_t NotHigh = std::numeric_limits<std::int64_t>::max();
 
   /// Copies the settings and starts nothing. Throws `boost::uuids::entropy_error` if there are no random numbers.
   ResourceManagerImpl(const ResourceManager::CpuConfig& cpu, const ResourceManager::MemoryConfig& memory,
@@ -156,7 +156,7 @@ class ResourceManagerImpl {
   // The worker only.
   boost::circular_buffer<double> m_cpuWindow;
   double m_cpuMean = 0.0;
-  std::int64_t m_highCpuSince = s_notHigh;
+  std::int64_t m_highCpuSince = NotHigh;
   ResourceValuesV2 m_ownValues;
 
   // Set once, by the constructor.

@@ -5,6 +5,8 @@
 
 #include "monitor/Duration.h"
 
+using namespace qilsys::monitor;
+
 namespace {
 
 unsigned int CpuPercent(const ResourceValuesV2& values) { return values.cpuPercent; }
@@ -32,7 +34,7 @@ ResourceManagerImpl::Policy ResourceManagerImpl::CpuPolicy() {
 bool ResourceManagerImpl::IsBelowCpuThreshold(const ResourceValuesV2& values, bool logInfo) {
   if (values.cpuPercent == 0) {
     if (logInfo) Log(u"Resource Manager: CPU info: 0%");
-    m_highCpuSince = s_notHigh;
+    m_highCpuSince = NotHigh;
     return true;
   }
   const GroupUse group = SumGroup(values, CpuPercent, CpuPercent);
@@ -40,7 +42,7 @@ bool ResourceManagerImpl::IsBelowCpuThreshold(const ResourceValuesV2& values, bo
   const bool exceeded = ExceedsCpuLimit(total);
   if (logInfo) LogCpuInfo(values, total, group.infoCount);
   if (!exceeded) {
-    m_highCpuSince = s_notHigh;
+    m_highCpuSince = NotHigh;
     return true;
   }
   // The time runs on while another member is the highest.
@@ -68,7 +70,7 @@ void ResourceManagerImpl::FeedCpuMean(double sample) {
 
 bool ResourceManagerImpl::SustainedHighCpu(unsigned int total) {
   const std::int64_t now = GetSteadyTime();
-  if (m_highCpuSince == s_notHigh) {
+  if (m_highCpuSince == NotHigh) {
     Log(u"Resource Manager: Detected high CPU usage. " + TStringCore::number(total) + u"%");
     m_highCpuSince = now;
   }

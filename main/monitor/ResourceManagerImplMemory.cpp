@@ -6,6 +6,8 @@
 #include "qilsys/QuillonException.h"
 #include "qilsys/TSystem.h"
 
+using namespace qilsys::monitor;
+
 namespace {
 
 unsigned long long Bytes(const ResourceValuesV2& values) { return values.memoryBytes; }

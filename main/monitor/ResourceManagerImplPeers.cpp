@@ -6,6 +6,8 @@
 #include "monitor/Duration.h"
 #include "monitor/LogText.h"
 
+using namespace qilsys::monitor;
+
 namespace {
 
 TStringCore ProcessLine(const ResourceValuesV2& values) {

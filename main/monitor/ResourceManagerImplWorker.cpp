@@ -8,6 +8,8 @@
 #include "monitor/ResourceReporterManager.h"
 #include "qilsys/LogicException.h"
 
+using namespace qilsys::monitor;
+
 namespace {
 
 constexpr char File[] = "main/monitor/ResourceManagerImpl";

@@ -4,6 +4,8 @@
 #include <system_error>
 #include <thread>
 
+namespace qilsys::monitor {
+
 /// Waits for the end of `thread`, if it can be waited for. On that thread itself the standard error is raised before the
 /// join is tried, since ThreadSanitizer takes a join that the system refuses for one that was done.
 inline void JoinIfJoinable(std::thread& thread) {
@@ -12,3 +14,5 @@ inline void JoinIfJoinable(std::thread& thread) {
   }
   if (thread.joinable()) thread.join();
 }
+
+}  // namespace qilsys::monitor

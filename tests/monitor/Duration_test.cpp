@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace qilsys::monitor {
 namespace {
 
 constexpr std::int64_t s_highest = std::numeric_limits<std::int64_t>::max();
@@ -23,3 +24,4 @@ TEST(DurationTest, StopsAtTheEndsOfTheRange) {
 }
 
 }  // namespace
+}  // namespace qilsys::monitor

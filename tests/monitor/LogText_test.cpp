@@ -4,6 +4,7 @@
 
 #include <locale>
 
+namespace qilsys::monitor {
 namespace {
 
 std::string Bytes(unsigned long long bytes) { return BytesText(bytes).toStdString(); }
@@ -29,3 +30,4 @@ TEST(BytesTextTest, IsTheSameWhateverTheHostsLocale) {
 }
 
 }  // namespace
+}  // namespace qilsys::monitor

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+namespace qilsys::monitor {
 namespace {
 
 constexpr std::uint64_t s_gib = std::uint64_t{1} << 30;
@@ -44,3 +45,4 @@ TEST(MemoryLimitTest, NumbersWithoutAnUnsignedValueStayDefined) {
 }
 
 }  // namespace
+}  // namespace qilsys::monitor

@@ -19,7 +19,7 @@ TEST(CpuThresholdTest, ZeroResetsTheTimerAndLogsOnlyWhenAsked) {
   Member member(Settings().Cpu(90, 10));
   member.m_highCpuSince = 5;
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 0), false));
-  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::NotHigh);
   EXPECT_EQ(member.TakeLines(), Lines{});
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 0), true));
   EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: CPU info: 0%"});
@@ -69,7 +69,7 @@ TEST(CpuThresholdTest, ATotalEqualToTheLimitIsNotOverItAndResetsTheTimer) {
   Member member(Settings().Cpu(90, 10));
   member.m_highCpuSince = 5;
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 90), false));
-  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::NotHigh);
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 91), false));
   EXPECT_EQ(member.m_highCpuSince, member.m_now);
 }
@@ -113,9 +113,9 @@ TEST(CpuThresholdTest, TheTimerRunsOnWhileAnotherIsTheHighest) {
 TEST(CpuThresholdTest, AReadingOfZeroInAHighPeriodResetsTheTimerAndDoesNotFeedTheMean) {
   Member member(Settings().Cpu(50, 3).RollingMean());
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
-  EXPECT_NE(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_NE(member.m_highCpuSince, ResourceManagerImpl::NotHigh);
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 0), false));
-  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::NotHigh);
   EXPECT_EQ(member.m_cpuMean, 60.0);
 }
 
@@ -150,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(RollingMeanTest, IsComparedInPlaceOfTheTotal) {
   Member member(Settings().Cpu(65, 3).RollingMean());
   for (int i = 0; i < 3; ++i) EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
-  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::NotHigh);
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 90), false));
   EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: Detected high CPU usage. 90%"});
   member.m_now += 4 * s_second;
@@ -160,7 +160,7 @@ TEST(RollingMeanTest, IsComparedInPlaceOfTheTotal) {
 TEST(RollingMeanTest, AMeanEqualToTheLimitIsNotOverIt) {
   Member member(Settings().Cpu(60, 3).RollingMean());
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 60), false));
-  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::s_notHigh);
+  EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::NotHigh);
 }
 
 class CountingReporter : public ResourceReporter {
