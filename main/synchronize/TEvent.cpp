@@ -1,18 +1,10 @@
 #include "qilsys/TEvent.h"
 
-#include <set>
 #include <utility>
 
-#include "qilsys/LogicException.h"
 #include "qilsys/TLocks.h"
 #include "synchronize/SynchronizeForTest.h"
 #include "synchronize/TEventBase.h"
-
-namespace {
-
-constexpr char File[] = "main/synchronize/TEvent";
-
-}  // namespace
 
 IEvent::~IEvent() = default;
 
@@ -82,67 +74,6 @@ void TCountdownEvent::AddOnSignalCallback(void* key, std::function<void()> callb
 }
 void TCountdownEvent::RemoveOnSignalCallback(void* key) const { m_impl->m_event.RemoveOnSignalCallback(key); }
 
-class TCancelEvent::Impl final : public TEvent {
- public:
-  ~Impl() override = default;
-
-  void Signal() const override;
-  void Add(RefCntPtr<TCancelEvent> child) const;
-  void Remove(const RefCntPtr<TCancelEvent>& child) const;
-
- private:
-  mutable std::set<RefCntPtr<TCancelEvent>> m_childEvents;
-  mutable TRecursiveMutex m_mutex;
-};
-
-void TCancelEvent::Impl::Signal() const {
-  TEvent::Signal();
-  const TScopedLock lock(m_mutex);
-  // A child's callback may take children in and out, that child too: step by address, and keep the child meanwhile.
-  for (auto it = m_childEvents.begin(); it != m_childEvents.end();) {
-    const RefCntPtr<TCancelEvent> child = *it;
-    child->Signal();
-    it = m_childEvents.upper_bound(child);
-  }
-}
-
-void TCancelEvent::Impl::Add(RefCntPtr<TCancelEvent> child) const {
-  const TScopedLock lock(m_mutex);
-  const bool isNew = m_childEvents.insert(child).second;
-  QILSYS_LOGIC_ASSERT(isNew, "Attempted to insert duplicate event.", File, 94, 0x8DB0B7A4,
-                      "LogicException_LogicAssert_0x8DB0B7A4");
-  if (IsSet()) {
-    child->Signal();
-  }
-}
-
-void TCancelEvent::Impl::Remove(const RefCntPtr<TCancelEvent>& child) const {
-  const TScopedLock lock(m_mutex);
-  const auto it = m_childEvents.find(child);
-  QILSYS_LOGIC_ASSERT(it != m_childEvents.end(), "it != m_childEvents.end()", File, 106, 0xE1DDA3CC,
-                      "LogicException_LogicAssert_0xE1DDA3CC");
-  if (it != m_childEvents.end()) {
-    m_childEvents.erase(it);
-  }
-}
-
-TCancelEvent::TCancelEvent() : m_impl(std::make_unique<Impl>()) {}
-
-TCancelEvent::~TCancelEvent() = default;
-
-void TCancelEvent::Signal() const { m_impl->Signal(); }
-bool TCancelEvent::IsSet() const { return m_impl->IsSet(); }
-bool TCancelEvent::Wait(std::chrono::milliseconds timeout) const { return m_impl->Wait(timeout); }
-bool TCancelEvent::Wait() const { return m_impl->Wait(); }
-void TCancelEvent::Reset() const { m_impl->Reset(); }
-void TCancelEvent::AddOnSignalCallback(void* key, std::function<void()> callback) const {
-  m_impl->AddOnSignalCallback(key, std::move(callback));
-}
-void TCancelEvent::RemoveOnSignalCallback(void* key) const { m_impl->RemoveOnSignalCallback(key); }
-void TCancelEvent::Add(RefCntPtr<TCancelEvent> child) const { m_impl->Add(std::move(child)); }
-void TCancelEvent::Remove(RefCntPtr<TCancelEvent> child) const { m_impl->Remove(child); }
-
 unsigned int SynchronizeForTest::Waiters(const TEvent& event) { return event.m_base->WaitersForTest(); }
 unsigned int SynchronizeForTest::Waiters(const TAutoResetEvent& event) { return event.m_base->WaitersForTest(); }
 unsigned int SynchronizeForTest::Waiters(const TCountdownEvent& event) { return Waiters(event.m_impl->m_event); }
-unsigned int SynchronizeForTest::Waiters(const TCancelEvent& event) { return Waiters(*event.m_impl); }

@@ -123,16 +123,17 @@ class QILSYS_API TCountdownEvent : public IEvent {
   std::unique_ptr<Impl> m_impl;
 };
 
-/// An event that hands its signal on to child events, down a tree. Made by `new` and held by RefCntPtr. A cycle is not
-/// supported: a signal would never end.
+/// An event that hands its signal on to child events, down a tree of any depth: neither a signal nor the end of a tree
+/// takes more stack for more levels, but for levels of classes derived from this one, whose own `Signal` is called.
+/// Made by `new` and held by RefCntPtr. A cycle is not supported: a signal would never end.
 class QILSYS_API TCancelEvent : public RefCntObject, public IEvent {
  public:
   TCancelEvent();
   TCancelEvent(const TCancelEvent&) = delete;
   TCancelEvent& operator=(const TCancelEvent&) = delete;
 
-  /// Sets this event and runs its callbacks, then signals each child in the order of addresses, with the lock of the
-  /// set of children held.
+  /// Sets this event and runs its callbacks, then signals each child in the order of addresses, its children
+  /// before the next. Holds the lock of the set of children meanwhile, and with it those of all sets further up.
   void Signal() const override;
   bool IsSet() const override;
   bool Wait(std::chrono::milliseconds timeout) const override;
