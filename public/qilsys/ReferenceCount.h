@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
+#include <new>
 #include <utility>
 
 #include "qilsys/Export.h"
@@ -85,6 +86,21 @@ class QILSYS_API RefCntObject : public RefCntObjectNonVirtualBase<RefCntObject> 
     }
     return count;
   }
+
+  /// The library's own memory, wherever an object is made or destroyed: a program may have other operators, which would
+  /// give what the library's then free.
+  static void* operator new(std::size_t size);
+  static void* operator new(std::size_t size, std::align_val_t alignment);
+  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+  static void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept;
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void* memory) noexcept;
+  static void operator delete(void* memory, std::align_val_t alignment) noexcept;
+  static void operator delete(void* memory, const std::nothrow_t&) noexcept { operator delete(memory); }
+  static void operator delete(void* memory, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    operator delete(memory, alignment);
+  }
+  static void operator delete(void*, void*) noexcept {}
 
  protected:
   virtual ~RefCntObject();

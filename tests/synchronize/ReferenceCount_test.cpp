@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
+#include <stdexcept>
 #include <thread>
 #include <type_traits>
 #include <unordered_set>
@@ -117,6 +119,38 @@ TEST(RefCntObject, CountsThroughPointersToConst) {
   const Counted* const object = new Counted;
   EXPECT_EQ(object->AddReference(), 1);
   EXPECT_EQ(object->RemoveReference(), 0);
+}
+
+// ---- Their memory
+
+class alignas(128) Aligned : public RefCntObject {};
+
+TEST(RefCntObjectMemory, IsAlignedAsItsClassWants) {
+  for (const RefCntPtr<Aligned>& object :
+       {RefCntPtr<Aligned>(new Aligned), RefCntPtr<Aligned>(new (std::nothrow) Aligned)}) {
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(object.get()) % 128, 0u);
+  }
+}
+
+TEST(RefCntObjectMemory, MayBeGivenByTheCaller) {
+  alignas(Counted) std::byte place[sizeof(Counted)];
+  int destroyed = 0;
+  Counted* const object = new (place) Counted(&destroyed);
+  EXPECT_EQ(static_cast<void*>(object), place);
+}
+
+// A checker of memory sees whether it is given back.
+template <class Base>
+class Throwing : public Base {
+ public:
+  Throwing() { throw std::runtime_error("constructor"); }
+};
+
+TEST(RefCntObjectMemory, IsGivenBackWhereAConstructorThrows) {
+  EXPECT_THROW(new Throwing<Counted>, std::runtime_error);
+  EXPECT_THROW(new Throwing<Aligned>, std::runtime_error);
+  EXPECT_THROW(new (std::nothrow) Throwing<Counted>, std::runtime_error);
+  EXPECT_THROW(new (std::nothrow) Throwing<Aligned>, std::runtime_error);
 }
 
 // A counting class of its own, which may look inside its count.
