@@ -28,6 +28,18 @@ def without_comments(text):
     return re.sub(pattern, blank, text, flags=re.S)
 
 
+def comments(path):
+    """The comments of a source or a script, each line with its number."""
+    # A mark inside a literal begins no comment.
+    literal = r'"(?:\\.|[^"\\\n])*"'
+    if path.endswith(('.h', '.cpp')):
+        pattern = re.compile(rf'{literal}|(?P<comment>//+[^\n]*)')
+    else:
+        pattern = re.compile(rf"{literal}|'(?:\\.|[^'\\\n])*'|(?P<comment>(?<!\S)#(?!!)[^\n]*)")
+    for number, line in enumerate(read(path).split('\n'), 1):
+        yield from ((number, m['comment']) for m in pattern.finditer(line) if m['comment'])
+
+
 def stem(path):
     """The concept that a file is about: its name without extension, role and system."""
     name = os.path.splitext(os.path.basename(path))[0]
