@@ -3,7 +3,8 @@
 
 A header of the operating system that the C++ library includes for itself can't be helped; so what counts is what our
 headers name, and what the few dependency headers that they may name pull in. Where the compiler for Windows is at hand,
-each compiles alone there too, and all of them together bring in neither windows.h nor its macros.
+each compiles alone there too, and all of them together bring in neither windows.h nor its macros. Internal headers
+compile alone too, those for one system by the compiler for it.
 """
 import os
 import re
@@ -17,6 +18,8 @@ from tree import Report, read, tracked, without_comments
 DEPENDENCIES = re.compile(r'grpcpp/support/status_code_enum\.h')
 CXX = os.environ.get('CXX', 'g++')
 FLAGS = ['-std=c++20', '-Ipublic', '-Wall', '-Wextra', '-Wpedantic', '-Wshadow', '-Wconversion', '-Werror']
+# Internal headers see what the library's own sources see.
+INTERNAL = ['-Imain', '-DQILSYS_BUILDING', '-DNOMINMAX', '-DWIN32_LEAN_AND_MEAN']
 CXX_LIBRARY = re.compile(r'/include/(x86_64-linux-gnu/|aarch64-linux-gnu/)?c\+\+/')
 COMPILER = re.compile(r'/lib/(gcc|llvm)')
 SYSTEM = re.compile(r'/include/(?:[\w-]+-linux-gnu/)?((?:sys|net|netinet|arpa|linux|asm)/[\w/.-]+|unistd\.h|pthread\.h|'
@@ -33,6 +36,8 @@ def check_contents(report, headers):
         for kind, name in re.findall(r'^(class|struct) (?:QILSYS_API |\[\[\w+\]\] )+(\w+)[^;:]*[:{]', read(path), re.M):
             if not re.search(rf'^ *{kind} {name};', names, re.M):
                 report.wrong(f'{path}:{name}', 'not declared in qilsys/Fwd.h')
+
+
 MINGW = 'x86_64-w64-mingw32-g++-posix'
 MINGW_PREFIX = os.environ.get('QILSYS_WINDOWS_PREFIX', os.path.expanduser('~/.cache/qilsys/windows'))
 # The guards of windows.h and its nearest, and names that it is known to take from others.
@@ -44,13 +49,20 @@ def compile(code, *flags, compiler=CXX):
     return subprocess.run([compiler, *FLAGS, *flags, '-x', 'c++', '-fsyntax-only', '-'], input=code, capture_output=True, text=True)
 
 
-def check_for_windows(report, headers):
-    flags = ['-D_WIN32_WINNT=0x0A00', '-isystem', f'{MINGW_PREFIX}/include']
-    alone = lambda header: compile(f'#include "{header.removeprefix("public/")}"\n', *flags, compiler=MINGW)
+def check_alone(report, headers, flags, compiler, what):
+    """Each header by itself, and a second time."""
+    alone = lambda path: compile(f'#include "{path.split("/", 1)[1]}"\n' * 2, *flags, compiler=compiler)
     with ThreadPoolExecutor(os.cpu_count()) as pool:
         for path, result in zip(headers, pool.map(alone, headers)):
             if result.returncode:
-                report.wrong(path, 'does not compile alone for Windows:\n' + result.stderr[:1500])
+                report.wrong(path, f'does not compile {what}:\n' + result.stderr[:1500])
+
+
+def check_for_windows(report, headers, internal):
+    flags = ['-D_WIN32_WINNT=0x0A00', '-isystem', f'{MINGW_PREFIX}/include']
+    check_alone(report, headers, flags, MINGW, 'alone and twice for Windows')
+    internal = [path for path in internal if not path.endswith('_linux.h')]
+    check_alone(report, internal, [*flags, *INTERNAL], MINGW, 'alone and twice for Windows')
     macros = compile('#include "qilsys/qilsys.h"\n', *flags, '-dM', '-E', compiler=MINGW).stdout
     for match in WINDOWS_MACROS.finditer(macros):
         report.wrong('public/qilsys/qilsys.h', f'brings in windows.h or a name of it: {match.group(0)}')
@@ -99,11 +111,9 @@ for name in sorted(dependencies):
         report.wrong(name, f'brings in a header of the operating system: {trail}')
 
 check_contents(report, headers)
-with ThreadPoolExecutor(os.cpu_count()) as pool:
-    codes = [f'#include "{h.removeprefix("public/")}"\n' * 2 for h in headers]
-    for path, result in zip(headers, pool.map(compile, codes)):
-        if result.returncode:
-            report.wrong(path, 'does not compile alone and twice:\n' + result.stderr[:1500])
+internal = tracked('main/*.h')
+check_alone(report, headers, [], CXX, 'alone and twice')
+check_alone(report, [path for path in internal if not path.endswith('_win.h')], INTERNAL, CXX, 'alone and twice')
 if shutil.which(MINGW) and os.path.isdir(MINGW_PREFIX):
-    check_for_windows(report, headers)
+    check_for_windows(report, headers, internal)
 report.finish()
