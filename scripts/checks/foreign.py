@@ -14,7 +14,6 @@ from tree import Report, read, tracked, without_comments
 STRING, FORMS = 'TStringCore', 'TForeignForms'
 # The mechanism itself.
 MECHANISM = ('public/qilsys/TForeignForms.h', 'public/qilsys/TForeignText.h')
-COMPARISONS = ('==', '!=', '<', '<=', '>', '>=', '<=>')
 INTEGERS = ('short', 'int', 'long', 'long long', 'unsigned short', 'unsigned int', 'unsigned long', 'unsigned long long')
 
 
@@ -23,7 +22,8 @@ def declarations(files):
     out = subprocess.run(['ctags', '--langmap=C++:+.h', '--language-force=C++', '--c++-kinds=fp', '--fields=+neSa',
                           '--fields-C++=+{template}', '--output-format=json', '-f', '-', *files],
                          check=True, capture_output=True, text=True).stdout
-    for row in map(json.loads, out.splitlines()):
+    # What helps the interface stands in namespace qilsys; no name in it is met without it.
+    for row in map(json.loads, out.replace('qilsys::', '').splitlines()):
         if row.get('access') not in ('private', 'protected') and not re.search(r'(^|::)(detail|__anon\w*)$', row.get('scope', '')):
             yield row
 
@@ -86,13 +86,15 @@ headers = tracked('public/*.h')
 rows = list(declarations(headers))
 templates = [r for r in rows if 'template' in r]
 texts = {path: without_comments(read(path)) for path in headers}
+EVERYTHING = '\n'.join(texts.values())
 
 for row in rows:
     scope, name = row.get('scope', ''), row['name']
     if 'template' in row or row['path'] in MECHANISM or 'TCodeUnit' not in row.get('signature', ''):
         continue
-    operator = re.fullmatch(r'operator\s*(\S+)', name)
-    if operator and any(f'QILSYS_FOREIGN_COMPARISON({operator.group(1)})' in t for t in texts.values()):
+    operator = re.fullmatch(r'operator\s*([=!<>]+)', name)
+    if operator and re.search(rf'\bQILSYS_FOREIGN_COMPARISON\([^()]*(?<![=!<>]){operator.group(1)}\)', EVERYTHING):
+        # That makes all pairings of one comparison, which ctags can't see.
         continue
     places = [scope, FORMS] if scope == STRING else [scope]
     if not has_form(row, [t for t in templates if t['name'] == name and t.get('scope', '') in places]):
@@ -103,8 +105,8 @@ for row in rows:
 inherited = {r['name'].replace(' ', '') for r in templates if r.get('scope') == FORMS}
 declared = {r['name'].replace(' ', '') for r in rows if r.get('scope') == STRING}
 for path in headers:
-    if re.search(rf'\bclass\b[^;{{]*\b{STRING}\b[^;{{]*\b{FORMS}<', texts[path]):
+    if re.search(rf'\bclass\b[^;{{]*\b{STRING}\b[^;{{]*\b(?:qilsys::)?{FORMS}<', texts[path]):
         for name in sorted(inherited & declared):
-            if not re.search(rf'\busing {FORMS}(?:<\w+>)?::{re.escape(name)}\s*;', texts[path]):
+            if not re.search(rf'\busing (?:qilsys::)?{FORMS}(?:<\w+>)?::{re.escape(name)}\s*;', texts[path]):
                 report.wrong(f'{path}:{name}', f'the native forms hide those of {FORMS}: a using line is missing')
 report.finish()
