@@ -1,8 +1,10 @@
+// Templates of messages: the scan for markers, the parameters, and the expansion.
 #include "qilsys/TFormatStringCore.h"
 
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 #include "qilsys/TCType.h"
 #include "units/UnitScan.h"
@@ -23,10 +25,11 @@ TError::ErrorInfo FormatError(unsigned int code, const char* codeName) {
   Fail("Invalid marker number <= 0 in format string.", 0x274BF5E7, "QuillonException_AutoGen_0x274BF5E7");
 }
 
-[[noreturn]] void FailAtEnd(bool hasNumber) {
-  if (hasNumber) {
-    Fail("Format string ends with an invalid marker number <= 0.", 0xA4DB9BBE, "QuillonException_AutoGen_0xA4DB9BBE");
-  }
+[[noreturn]] void FailBelowOneAtEnd() {
+  Fail("Format string ends with an invalid marker number <= 0.", 0xA4DB9BBE, "QuillonException_AutoGen_0xA4DB9BBE");
+}
+
+[[noreturn]] void FailIncomplete() {
   Fail("Format string ends with an incomplete marker.", 0xA33EDF83, "QuillonException_AutoGen_0xA33EDF83");
 }
 
@@ -62,6 +65,15 @@ struct InPlace {
   operator TStringCore() const { return make(); }
 };
 
+qilsys::units::IsUnit<qilsys::units::UnitLanes> IsPercent(const TStringCore& format) {
+  return {format.constData(), u'%'};
+}
+
+// How many markers a template can have: each holds one "%" at least.
+std::size_t MostMarkers(const TStringCore& format) {
+  return static_cast<std::size_t>(qilsys::units::scanCount(format.length(), IsPercent(format)));
+}
+
 TCodeUnit* Copy(TCodeUnit* to, const TCodeUnit* from, int length) {
   std::memcpy(to, from, static_cast<std::size_t>(length) * sizeof(TCodeUnit));
   return to + length;
@@ -75,16 +87,41 @@ TFormatStringCore::Exception::Exception(const Exception&) = default;
 TFormatStringCore::Exception& TFormatStringCore::Exception::operator=(const Exception&) = default;
 TFormatStringCore::Exception::~Exception() = default;
 
-TFormatStringCore::TFormatStringCore(const TStringCore& format) : m_format(format) { scanForMarkers(); }
-TFormatStringCore::TFormatStringCore(const TCodeUnit* format) : m_format(format) { scanForMarkers(); }
+TFormatStringCore::TFormatStringCore(const TStringCore& format) : m_format(format) {
+  scanForMarkers();
+  makeRoomForParameters();
+}
+TFormatStringCore::TFormatStringCore(const TCodeUnit* format) : m_format(format) {
+  scanForMarkers();
+  makeRoomForParameters();
+}
 TFormatStringCore::TFormatStringCore(const TFormatStringCore&) = default;
 TFormatStringCore::~TFormatStringCore() = default;
 
-TFormatStringCore& TFormatStringCore::operator=(const TFormatStringCore&) = default;
+TFormatStringCore& TFormatStringCore::operator=(const TFormatStringCore& other) {
+  TFormatStringCore copy(other);
+  std::swap(m_highestMarker, copy.m_highestMarker);
+  m_markers.swap(copy.m_markers);
+  m_parameters.swap(copy.m_parameters);
+  m_format.swap(copy.m_format);
+  return *this;
+}
 
 TFormatStringCore& TFormatStringCore::operator=(const TStringCore& format) {
-  m_format = format;
+  std::vector<Marker> markers;
+  markers.reserve(MostMarkers(format));
+  m_markers.swap(markers);
+  const TStringCore oldFormat = std::exchange(m_format, format);
+  const int oldHighestMarker = m_highestMarker;
   scanForMarkers();
+  try {
+    makeRoomForParameters();
+  } catch (...) {
+    m_markers.swap(markers);
+    m_format = oldFormat;
+    m_highestMarker = oldHighestMarker;
+    throw;
+  }
   return *this;
 }
 
@@ -93,36 +130,40 @@ TFormatStringCore& TFormatStringCore::operator=(const TCodeUnit* format) { retur
 void TFormatStringCore::scanForMarkers() {
   m_markers.clear();
   m_highestMarker = 0;
-  const int length = m_format.length();
-  const qilsys::units::IsUnit<qilsys::units::UnitLanes> isPercent(m_format.constData(), u'%');
-  // Each marker holds one "%" at least, so this is room enough and the list grows once.
-  m_markers.reserve(static_cast<std::size_t>(qilsys::units::scanCount(length, isPercent)));
+  m_markers.reserve(MostMarkers(m_format));
   int next = 0;
-  qilsys::units::scanEach(length, isPercent, [&](int position) {
+  qilsys::units::scanEach(m_format.length(), IsPercent(m_format), [&](int position) {
     if (position >= next) next = scanMarker(position);
   });
-  m_parameters.reserve(static_cast<std::size_t>(m_highestMarker));
 }
+
+// So that the calls of `arg` for this template make the list grow no more.
+void TFormatStringCore::makeRoomForParameters() { m_parameters.reserve(static_cast<std::size_t>(m_highestMarker)); }
 
 // Adds the marker that begins at `position` and gives the index behind it.
 int TFormatStringCore::scanMarker(int position) {
   const TCodeUnit* const format = m_format.constData();
   const int end = m_format.length();
   int at = position + 1;
-  if (at == end) FailAtEnd(false);
+  if (at == end) FailIncomplete();
   if (format[at] == u'%') {
     m_markers.push_back({position, 2, 0});
     return at + 1;
   }
   int number = FirstDigit(format[at++]);
   while (at < end && IsDigit(format[at])) number = NextDigit(number, format[at++]);
-  if (number <= 0) at == end ? FailAtEnd(true) : FailBelowOne();
+  if (number <= 0) at == end ? FailBelowOneAtEnd() : FailBelowOne();
   m_highestMarker = std::max(m_highestMarker, number);
   m_markers.push_back({position, at - position, number});
   return at;
 }
 
-void TFormatStringCore::append(const TStringCore& a) { m_parameters.push_back(a); }
+TFormatStringCore& TFormatStringCore::append(std::initializer_list<const TStringCore*> texts) {
+  const std::size_t count = m_parameters.size() + texts.size();
+  if (count > m_parameters.capacity()) m_parameters.reserve(std::max(count, 2 * m_parameters.capacity()));
+  for (const TStringCore* text : texts) m_parameters.push_back(*text);
+  return *this;
+}
 
 TFormatStringCore& TFormatStringCore::arg(const TStringCore& a, int fieldWidth, TCodeUnit fill) {
   if (fieldWidth == 0) {

@@ -9,6 +9,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <initializer_list>
 #include <type_traits>
 #include <vector>
 
@@ -38,8 +39,10 @@ class QILSYS_API TFormatStringCore {
   TFormatStringCore(const TFormatStringCore&);
   ~TFormatStringCore();
 
+  /// Here as everywhere below, an object is as it was where memory runs out, be it a string's (`TStringCore::Exception`)
+  /// or that of a list (std::bad_alloc).
   TFormatStringCore& operator=(const TFormatStringCore&);
-  /// Replaces the template; parameters already given stay. After a failure the object must not be used.
+  /// Replaces the template; parameters already given stay. After a bad template the object must not be used.
   TFormatStringCore& operator=(const TStringCore& format);
   TFormatStringCore& operator=(const TCodeUnit* format);
   template <qilsys::ForeignUnit U>
@@ -66,12 +69,12 @@ class QILSYS_API TFormatStringCore {
   /// Appends one character as a text of its own.
   TFormatStringCore& arg(TCodeUnit a, int fieldWidth = 0, TCodeUnit fill = u' ');
 
-  /// Appends two to ten texts in order, unpadded.
+  /// Appends two to ten texts in order, unpadded; all of them or none.
   template <class... Texts>
     requires(sizeof...(Texts) >= 2 && sizeof...(Texts) <= 10 && (std::convertible_to<const Texts&, TStringCore> && ...))
   TFormatStringCore& arg(const Texts&... texts) {
-    (append(texts), ...);
-    return *this;
+    // A text that has to be converted lives to the end of the call.
+    return append({&static_cast<const TStringCore&>(texts)...});
   }
   /// Replaces all parameters by these. The other forms append.
   TFormatStringCore& arg(const std::vector<TStringCore>& all);
@@ -126,7 +129,8 @@ class QILSYS_API TFormatStringCore {
 
   void scanForMarkers();
   int scanMarker(int position);
-  void append(const TStringCore& a);
+  void makeRoomForParameters();
+  TFormatStringCore& append(std::initializer_list<const TStringCore*> texts);
   TFormatStringCore& pad(const TStringCore& a, int fieldWidth, TCodeUnit fill);
   template <class Make>
   TFormatStringCore& appendMade(const Make& make, int fieldWidth, TCodeUnit fill);

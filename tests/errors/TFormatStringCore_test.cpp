@@ -12,11 +12,14 @@
 #include <vector>
 
 #include "qilsys/TCType.h"
+#include "support/FailingNew.h"
 #include "support/NarrowText.h"
 #include "support/Random.h"
+#include "support/StringHeaps.h"
 
 namespace {
 
+using qilsys::test::FailOneByOne;
 using qilsys::test::Narrow;
 using qilsys::test::Units;
 
@@ -443,6 +446,69 @@ TEST(TFormatStringCoreException, CopiesAndAssigns) {
   copy = TFormatStringCore::Exception(TStringCore(u"second"), TError::ErrorInfo::NoError());
   EXPECT_EQ(Narrow(copy.GetMessagesFront()), "second");
   EXPECT_EQ(copy.GetErrorCode(), 0U);
+}
+
+// ---- When memory runs out
+
+// One needs five parameters and has one, the other needs that one alone: a mixture of both finds no fault with itself.
+TEST(TFormatStringCoreOutOfMemory, AssignmentLeavesTheObjectAsItWas) {
+  TFormatStringCore target(u"%1 %2 %3 %4 %5");
+  target.arg(u"one");
+  TFormatStringCore source(u"%1 %% %% %% %% %%");
+  source.arg(u"p");
+  const auto unchanged = [&target] {
+    EXPECT_EQ(Narrow(target.formatString()), "%1 %2 %3 %4 %5");
+    EXPECT_THROW(target.result(), TFormatStringCore::Exception) << "four parameters are missing";
+  };
+  EXPECT_EQ(FailOneByOne([&] { target = source; }, unchanged), 2) << "its markers and its parameters";
+  EXPECT_EQ(Narrow(target.result()), "p % % % % %");
+}
+
+TEST(TFormatStringCoreOutOfMemory, ANewTemplateLeavesTheObjectAsItWas) {
+  TFormatStringCore format(u"%1 %2");
+  format.arg(u"a").arg(u"b");
+  const auto unchanged = [&format] {
+    EXPECT_EQ(Narrow(format.formatString()), "%1 %2");
+    EXPECT_EQ(Narrow(format.result()), "a b");
+  };
+  const TStringCore longer(u"%9 %8 %7 %6 %5 %4 %3 %2 %1");
+  EXPECT_EQ(FailOneByOne([&] { format = longer; }, unchanged), 2) << "its markers and the room for its parameters";
+  EXPECT_THROW(format.result(), TFormatStringCore::Exception) << "seven parameters are missing";
+}
+
+TEST(TFormatStringCoreOutOfMemory, SeveralTextsAreAppendedTogetherOrNotAtAll) {
+  TFormatStringCore format(u"%1");
+  format.arg(u"first");
+  const TStringCore text(u"text");
+  const auto unchanged = [&format] {
+    TFormatStringCore copy(format);
+    copy = TStringCore(u"%1 %2");
+    EXPECT_THROW(copy.result(), TFormatStringCore::Exception) << "there is a second parameter";
+  };
+  EXPECT_EQ(FailOneByOne([&] { format.arg(text, text, text, text, text); }, unchanged), 1);
+  EXPECT_EQ(Narrow((format = TStringCore(u"%1 %6")).result()), "first text");
+}
+
+TEST(TFormatStringCoreOutOfMemory, SeveralTextsOfWhichOneFailsAreNotAppended) {
+  TFormatStringCore format(u"%1");
+  format.arg(u"first").arg(u"second");
+  const char16_t* converted = u"a text too long for inline storage";
+  const TStringCore text(u"text");
+  const TStringCore wanted(u"first second");
+  {
+    const qilsys::test::FailingStringHeap heap(0);
+    EXPECT_THROW(format.arg(text, text, converted), TStringCore::OutOfMemoryException);
+  }
+  EXPECT_THROW((format = TStringCore(u"%1 %2 %3")).result(), TFormatStringCore::Exception) << "there is a third one";
+  EXPECT_TRUE((format = TStringCore(u"%1 %2")).result() == wanted);
+}
+
+TEST(TFormatStringCoreOutOfMemory, OneParameterIsAppendedOrNot) {
+  TFormatStringCore format(u"");
+  const auto unchanged = [&format] { EXPECT_EQ(Narrow(TFormatStringCore(format).result()), ""); };
+  EXPECT_EQ(FailOneByOne([&] { format.arg(7, 3); }, unchanged), 1);
+  EXPECT_EQ(FailOneByOne([&] { format.arg(std::vector<TStringCore>(9, TStringCore(u"x"))); }, unchanged), 2);
+  EXPECT_EQ(Narrow((format = TStringCore(u"%9")).result()), "x");
 }
 
 // ---- Random templates against a plain reading of the state table
