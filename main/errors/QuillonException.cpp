@@ -1,6 +1,7 @@
+// The exception with its two lists of messages, and its plain descendants.
 #include "qilsys/QuillonException.h"
 
-#include <typeinfo>
+#include <cstring>
 
 #include "qilsys/TFormatStringCore.h"
 
@@ -8,15 +9,17 @@ namespace {
 
 using Messages = std::list<TStringCore>;
 
-constexpr TCodeUnit s_lineFeed = 10;
+constexpr TCodeUnit LineFeed = 10;
 
 // A list of this one message, or of none when it is empty. What is spliced from here can no longer fail.
 Messages OneMessage(const TStringCore& message) { return message.empty() ? Messages() : Messages(1, message); }
 
 TStringCore TextOf(const std::exception& exception) {
-  // Every runtime has words of its own for an exception without a text; these hold for all of them.
-  const char* const text = typeid(exception) == typeid(std::exception) ? nullptr : exception.what();
-  return text ? TStringCore::fromLocal8Bit(text) : TStringCore("Unknown exception");
+  // Every runtime has words of its own for an exception without a text, which are those of the base class; ours hold for
+  // all of them.
+  const char* const text = exception.what();
+  const bool isOwn = text != nullptr && std::strcmp(text, std::exception().what()) != 0;
+  return isOwn ? TStringCore::fromLocal8Bit(text) : TStringCore("Unknown exception");
 }
 
 template <class Message>
@@ -89,8 +92,8 @@ TStringCore QuillonException::GetConcatenatedMessages() const {
   TStringCore result;
   for (const TStringCore& message : *m_messages) {
     result.append(message);
-    if (message.empty() || message.back() != s_lineFeed) {
-      result.append(s_lineFeed);
+    if (message.empty() || message.back() != LineFeed) {
+      result.append(LineFeed);
     }
   }
   return result;

@@ -118,6 +118,27 @@ TEST(QuillonException, ToStringOfAnExceptionWithoutTextIsTheDefault) {
   EXPECT_EQ(Utf8(out), "Unknown exception");
 }
 
+struct WithoutText : std::exception {};
+struct WithNullText : std::exception {
+  const char* what() const noexcept override { return nullptr; }
+};
+
+TEST(QuillonException, AnyExceptionWithoutTextOfItsOwnIsTheDefault) {
+  const auto expectDefault = [](const std::exception& exception) {
+    TStringCore out;
+    QuillonException::ToString(exception, out);
+    EXPECT_EQ(Utf8(out), "Unknown exception");
+    EXPECT_EQ(MessagesOf(QuillonException(exception)), Lines{"Unknown exception"});
+  };
+  expectDefault(WithoutText());
+  expectDefault(WithNullText());
+  try {
+    std::throw_with_nested(std::exception());
+  } catch (const std::exception& exception) {
+    expectDefault(exception);
+  }
+}
+
 // ---- Copying
 
 TEST(QuillonException, CopySharesTheRecordAndOwnsItsLists) {
