@@ -1,4 +1,4 @@
-// The Linux sibling writes to standard error, having no debugger's channel.
+// The debugger's channel. The Linux sibling writes to standard error, having none.
 #include "base/DebugChannel_platform.h"
 
 #ifndef _WIN32
@@ -7,4 +7,27 @@
 
 #include <windows.h>
 
-void qilsys::base::WriteToDebugChannel(const char* text) noexcept { OutputDebugStringA(text); }
+#include <memory>
+#include <new>
+
+namespace {
+
+// Null where the memory for it is lacking.
+std::unique_ptr<wchar_t[]> ToUtf16(const char* text) noexcept {
+  constexpr int WithTerminator = -1;
+  const int length = MultiByteToWideChar(CP_UTF8, 0, text, WithTerminator, nullptr, 0);
+  std::unique_ptr<wchar_t[]> units(length > 0 ? new (std::nothrow) wchar_t[static_cast<unsigned>(length)] : nullptr);
+  if (units) MultiByteToWideChar(CP_UTF8, 0, text, WithTerminator, units.get(), length);
+  return units;
+}
+
+}  // namespace
+
+// The 8-bit form of the call would read the text in the code page of the process.
+void qilsys::base::WriteToDebugChannel(const char* text) noexcept {
+  if (const std::unique_ptr<wchar_t[]> units = ToUtf16(text)) {
+    OutputDebugStringW(units.get());
+  } else {
+    OutputDebugStringA(text);
+  }
+}

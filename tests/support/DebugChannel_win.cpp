@@ -10,14 +10,22 @@ namespace {
 std::string g_text;
 void* g_handler = nullptr;
 
-// A text for the debugger travels as an exception, whose arguments are its length with the NUL and its address. Going
-// on from here is what a debugger makes of it.
+std::string ToUtf8(const wchar_t* units) {
+  std::string text(static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, units, -1, nullptr, 0, nullptr, nullptr)),
+                   0);
+  WideCharToMultiByte(CP_UTF8, 0, units, -1, text.data(), static_cast<int>(text.size()), nullptr, nullptr);
+  text.pop_back();  // The terminator.
+  return text;
+}
+
+// A text for the debugger travels as an exception, whose first arguments are its length with the NUL and its address.
+// Going on from here is what a debugger makes of it, and keeps the system from offering the text in 8 bits as well.
 LONG CALLBACK KeepText(EXCEPTION_POINTERS* pointers) {
   const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
-  if (record.ExceptionCode != DBG_PRINTEXCEPTION_C) {
+  if (record.ExceptionCode != DBG_PRINTEXCEPTION_WIDE_C) {
     return EXCEPTION_CONTINUE_SEARCH;
   }
-  g_text += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+  g_text += ToUtf8(reinterpret_cast<const wchar_t*>(record.ExceptionInformation[1]));
   g_text += '\n';
   return EXCEPTION_CONTINUE_EXECUTION;
 }
