@@ -1,6 +1,6 @@
 #include "qilsys/ResourceManager.h"
 
-#include <memory>
+#include <atomic>
 #include <utility>
 
 #include "monitor/MemoryLimit.h"
@@ -11,6 +11,16 @@
 namespace {
 
 constexpr char File[] = "main/monitor/ResourceManager";
+
+// What the host's thread is doing with the manager. It calls the host meanwhile, which may call back.
+enum class Phase { Settled, Starting, StartingToBeStopped, Stopping };
+
+std::atomic<Phase> g_phase = Phase::Settled;
+
+// The end of a start, and of the manager too if that was asked for in between.
+void EndStart() {
+  if (g_phase.exchange(Phase::Settled) == Phase::StartingToBeStopped) ResourceManager::Stop();
+}
 
 // What every function that needs a started manager begins with: false if there is none and the assertion's hook
 // returns.
@@ -30,15 +40,34 @@ void ResourceManager::Start(unsigned short port, const CpuConfig& cpuConfig, con
                       "LogicException_LogicAssert_0x726F85B0");
   QILSYS_LOGIC_ASSERT(generalConfig.m_terminateFunc != nullptr, "generalConfig.m_terminateFunc != nullptr", File, 34,
                       0x7A7F6F49, "LogicException_LogicAssert_0x7A7F6F49");
-  if (!generalConfig.m_logFunc || !generalConfig.m_terminateFunc || s_singleton != nullptr) return;
+  if (!generalConfig.m_logFunc || s_singleton != nullptr) return;
   s_singleton = new ResourceManagerImpl(cpuConfig, memoryConfig, generalConfig);
-  s_singleton->StartMonitoring(port);
+  g_phase = Phase::Starting;
+  try {
+    s_singleton->StartMonitoring(port);
+  } catch (...) {
+    EndStart();
+    throw;
+  }
+  EndStart();
 }
 
 void ResourceManager::Stop() {
   if (s_singleton == nullptr) return;
+  // From inside a start it takes effect when that returns; from inside a stop it has nothing to add.
+  Phase phase = Phase::Starting;
+  g_phase.compare_exchange_strong(phase, Phase::StartingToBeStopped);
+  if (phase != Phase::Settled) return;
   s_singleton->StopThreads();
-  delete std::exchange(s_singleton, nullptr);
+  // The last log line still sees the manager. Where it throws, the object is gone all the same.
+  struct Forgetting {
+    ~Forgetting() {
+      s_singleton = nullptr;
+      g_phase = Phase::Settled;
+    }
+  } const forgetting;
+  g_phase = Phase::Stopping;
+  delete s_singleton;
 }
 
 void ResourceManager::AddReclaimCpuFunction(const TStringCore& name, std::function<void(double)> func) {

@@ -94,14 +94,16 @@ class QILSYS_API ResourceManager {
 
   /// Starts monitoring on the group's UDP port, with copies of the settings. Does nothing if already started. Without a
   /// CPU limit of 1 to 99 and without a per-process memory limit, no thread and no socket is made.
-  /// An empty `m_logFunc` or `m_terminateFunc` is a logic assertion. A socket that can't be had throws
-  /// `boost::system::system_error`, a thread that can't be had `std::system_error`; the manager then counts as started
-  /// until `Stop`.
+  /// An empty `m_logFunc` or `m_terminateFunc` is a logic assertion; if its hook returns, nothing is started without
+  /// the first, and without the second a request to end the process ends it by `m_terminateHandler`. A socket that
+  /// can't be had throws `boost::system::system_error`, a thread that can't be had `std::system_error`; the manager
+  /// then counts as started until `Stop`.
   static void Start(unsigned short port, const CpuConfig& cpuConfig, const MemoryConfig& memoryConfig,
                     const GeneralConfig& generalConfig);
 
-  /// Ends monitoring: waits for the monitor's threads, and logs that it has stopped. Does nothing if not started. On
-  /// the monitor's own worker thread it throws `std::system_error`, and the manager waits for a `Stop` from another.
+  /// Ends monitoring: waits for the monitor's threads, and logs that it has stopped. Does nothing if not started. From
+  /// inside `Start`, in a callback, it takes effect when `Start` returns or throws. On the monitor's own threads it
+  /// throws `std::system_error`, and the manager waits for a `Stop` from another.
   static void Stop();
 
   /// Registers what gives CPU time back when this process has to yield. `func` runs on the worker thread, in order of

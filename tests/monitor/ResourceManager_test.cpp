@@ -6,6 +6,7 @@
 #include <boost/system/system_error.hpp>
 #include <boost/uuid/entropy_error.hpp>
 #include <cmath>
+#include <functional>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -38,7 +39,10 @@ const CaughtAssertion s_noTerminate{"main/monitor/ResourceManager", 34, "general
 class ResourceManagerTest : public testing::Test {
  protected:
   ResourceManagerTest() {
-    m_general.m_logFunc = [this](const TStringCore& line) { Add(line.toStdString()); };
+    m_general.m_logFunc = [this](const TStringCore& line) {
+      Add(line.toStdString());
+      if (line == m_line) m_atLine();
+    };
     m_general.m_terminateFunc = [this](unsigned char code, const TStringCore& reason) {
       Add("TERMINATE " + std::to_string(code) + " " + reason.toStdString());
     };
@@ -48,6 +52,12 @@ class ResourceManagerTest : public testing::Test {
   ~ResourceManagerTest() override { ResourceManager::Stop(); }
 
   void Start(unsigned short port = FreePort()) { ResourceManager::Start(port, m_cpu, m_memory, m_general); }
+
+  /// Has this line do something when it is logged, on the thread that logs it. To be said before the start.
+  void At(const std::string& line, std::function<void()> action) {
+    m_line = TStringCore::fromStdString(line);
+    m_atLine = std::move(action);
+  }
 
   void StartWithoutPolicy() {
     m_memory.m_perProcessLimit = 0;
@@ -71,6 +81,8 @@ class ResourceManagerTest : public testing::Test {
 
   std::mutex m_mutex;
   std::vector<std::string> m_lines;
+  TStringCore m_line;
+  std::function<void()> m_atLine;
   ResourceManager::CpuConfig m_cpu;
   ResourceManager::MemoryConfig m_memory;
   ResourceManager::GeneralConfig m_general;
@@ -154,10 +166,20 @@ TEST_F(ResourceManagerTest, TheLogFunctionIsLookedAtFirst) {
   EXPECT_EQ(CatchAssertion([this] { Start(); }), s_noLog);
 }
 
-TEST_F(ResourceManagerTest, AHookThatReturnsDoesNotStart) {
-  const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) {});
+TEST_F(ResourceManagerTest, AHookThatReturnsStartsWithoutATerminateFunction) {
+  const RecordedAssertions assertions;
   m_general.m_terminateFunc = nullptr;
   Start();
+  EXPECT_EQ(assertions.All(), std::vector{s_noTerminate});
+  EXPECT_TRUE(Eventually([] { return ResourceManager::GetCpuAndMemoryUsage().second > 0; }));
+}
+
+// There would be nobody to take the first line.
+TEST_F(ResourceManagerTest, AHookThatReturnsDoesNotStartWithoutALogFunction) {
+  const RecordedAssertions assertions;
+  m_general = {};
+  Start();
+  EXPECT_EQ(assertions.All(), (std::vector{s_noLog, s_noTerminate}));
   EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
 }
 
@@ -227,6 +249,64 @@ TEST_F(ResourceManagerTest, StopMayBeFollowedByAStart) {
     EXPECT_EQ(Lines().back(), "Resource Manager: stopped");
     EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
   }
+}
+
+TEST_F(ResourceManagerTest, TheLastLineStillSeesTheManager) {
+  double pressure = 0;
+  At("Resource Manager: stopped", [&] { pressure = ResourceManager::GetMemoryPressure(); });
+  StartWithoutPolicy();
+  ResourceManager::Stop();
+  EXPECT_TRUE(std::isinf(pressure)) << "a started manager without a limit";
+  EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
+}
+
+TEST_F(ResourceManagerTest, AStopFromTheLastLineIsNoSecondOne) {
+  At("Resource Manager: stopped", [] { ResourceManager::Stop(); });
+  StartWithoutPolicy();
+  ResourceManager::Stop();
+  EXPECT_EQ(Lines(), std::vector<std::string>{"Resource Manager: stopped"});
+}
+
+TEST_F(ResourceManagerTest, AStartFromTheLastLineIsIgnored) {
+  At("Resource Manager: stopped", [this] { Start(); });
+  StartWithoutPolicy();
+  ResourceManager::Stop();
+  EXPECT_EQ(Lines(), std::vector<std::string>{"Resource Manager: stopped"});
+  EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
+}
+
+TEST_F(ResourceManagerTest, AThrowOutOfTheLastLineHasStoppedAllTheSame) {
+  At("Resource Manager: stopped", [] { throw std::runtime_error("no"); });
+  StartWithoutPolicy();
+  EXPECT_THROW(ResourceManager::Stop(), std::runtime_error);
+  EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
+  At("Resource Manager: stopped", [] {});
+  StartWithoutPolicy();
+  EXPECT_TRUE(std::isinf(ResourceManager::GetMemoryPressure())) << "there is a life after it";
+}
+
+TEST_F(ResourceManagerTest, AStopFromALineOfStartTakesEffectWhenStartReturns) {
+  double pressure = 0;
+  At("Resource Manager: Checking resources every 1 seconds", [&] {
+    ResourceManager::Stop();
+    pressure = ResourceManager::GetMemoryPressure();
+  });
+  Start();
+  EXPECT_GE(pressure, 0.0) << "not stopped yet";
+  EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
+  EXPECT_EQ(Lines().back(), "Resource Manager: stopped");
+  At("Resource Manager: Checking resources every 1 seconds", [] {});
+  Start();
+  EXPECT_NE(ResourceManager::GetMemoryPressure(), -1.0) << "the wish holds for one start";
+}
+
+TEST_F(ResourceManagerTest, AStopFromALineOfAStartThatFailsTakesEffectToo) {
+  const unsigned short port = FreePort();
+  const Stranger stranger(port);
+  At("Resource Manager: listening on port " + std::to_string(port), [] { ResourceManager::Stop(); });
+  EXPECT_THROW(Start(port), boost::system::system_error);
+  EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
+  EXPECT_EQ(Lines().back(), "Resource Manager: stopped");
 }
 
 TEST_F(ResourceManagerTest, AFailedStartStaysUntilStop) {
