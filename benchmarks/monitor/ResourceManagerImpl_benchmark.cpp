@@ -31,7 +31,7 @@ ResourceValuesV2 PeerValues(std::uint32_t id) {
   // Idle, so that a large group is no busier than a small one and stays below the limit.
   ResourceValuesV1 values;
   values.pid = id;
-  return Widen(values);
+  return qilsys::monitor::Widen(values);
 }
 
 /// A member that decides for real and neither reads nor sends.

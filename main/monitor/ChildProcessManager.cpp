@@ -32,7 +32,7 @@ void ChildProcessManager::RemoveChild(unsigned int pid) {
 
 unsigned int ChildProcessManager::GetCpuUsage() {
   TScopedLock lock(m_lock);
-  PercentSum sum;
+  qilsys::monitor::PercentSum sum;
   for (const auto& [pid, process] : m_processes) sum.Add(process.GetCpuUsage());
   return sum.Limited();
 }

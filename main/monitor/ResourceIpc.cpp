@@ -12,6 +12,7 @@
 #include "monitor/ThreadJoin.h"
 
 using boost::asio::ip::udp;
+using namespace qilsys::monitor;
 
 namespace {
 

@@ -4,14 +4,20 @@
 #include <array>
 #include <boost/uuid/uuid.hpp>
 #include <cstdint>
+#include <optional>
+#include <span>
 
 enum class ResourceValuesVersion : int {
   VER_1 = 1,
   VER_2 = 2,
 };
 
+namespace qilsys::monitor {
+
 /// Sixteen bytes, kept apart from boost's type because that one may be aligned.
 using ResourceIdentity = std::array<std::uint8_t, 16>;
+
+}  // namespace qilsys::monitor
 
 // Fields of several bytes are not aligned: take them by value, never by reference.
 #pragma pack(push, 1)
@@ -30,7 +36,7 @@ struct ResourceValuesV2 {
   std::uint32_t version = 2;
   std::uint32_t pid = 0;
   /// The sender's identity for one run of its monitor, so that a reused pid is not taken for an old member.
-  ResourceIdentity uuid{};
+  qilsys::monitor::ResourceIdentity uuid{};
   /// Private bytes of the sender and its children.
   std::uint64_t memoryBytes = 0;
   /// `memoryBytes` as percent of the sender's own limit, 0 to 100.
@@ -46,11 +52,19 @@ struct ResourceValuesV2 {
 static_assert(sizeof(ResourceValuesV1) == 14);
 static_assert(sizeof(ResourceValuesV2) == 35);
 
+namespace qilsys::monitor {
+
 /// What version 1 can carry of the figures.
 ResourceValuesV1 Narrow(const ResourceValuesV2& values);
 
 /// Version 1 figures as version 2: the identity holds the pid and zeros, the interval is not stated.
 ResourceValuesV2 Widen(const ResourceValuesV1& values);
+
+/// The figures in a datagram of either version, in native byte order; nothing for any other length. No field is checked.
+std::optional<ResourceValuesV2> ValuesOfDatagram(std::span<const unsigned char> datagram);
+
+/// Random bytes as an identity of version 4: the bits that name version and variant are fixed.
+ResourceIdentity Version4(ResourceIdentity randomBytes);
 
 /// The identity in the type that orders and prints it.
 boost::uuids::uuid UuidOf(const ResourceValuesV2& values);
@@ -72,3 +86,5 @@ class PercentSum {
 
 /// `bytes` as percent of `limit`, cut to eight bits before it is limited to 100: 300 percent is 44.
 unsigned char PercentOfLimit(unsigned long long bytes, unsigned long long limit);
+
+}  // namespace qilsys::monitor

@@ -13,6 +13,8 @@
 
 namespace qilsys::test {
 
+using namespace monitor;
+
 using Lines = std::vector<std::string>;
 
 constexpr std::int64_t s_second = 1'000'000'000;

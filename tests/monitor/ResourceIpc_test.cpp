@@ -19,6 +19,8 @@
 namespace qilsys::test {
 namespace {
 
+using namespace monitor;
+
 /// One `ResourceIpc` and what it has handed over.
 class Listener {
  public:

@@ -7,9 +7,12 @@
 #include <boost/uuid/uuid_io.hpp>
 #include <cstddef>
 #include <cstring>
+#include <vector>
 
 #include "monitor/Scarcity.h"
+#include "support/RowName.h"
 
+namespace qilsys::monitor {
 namespace {
 
 TEST(ResourceValuesTest, Version2IsThirtyFiveBytesInItsOrder) {
@@ -66,6 +69,46 @@ TEST(ResourceValuesTest, NarrowingKeepsWhatVersion1Has) {
   EXPECT_EQ(narrow.cpuPercent, 2);
 }
 
+TEST(ResourceValuesTest, RandomBytesAreStampedAsVersion4) {
+  ResourceIdentity zeros{};
+  ResourceIdentity ones;
+  ones.fill(0xFF);
+  EXPECT_EQ(Version4(zeros), (ResourceIdentity{0, 0, 0, 0, 0, 0, 0x40, 0, 0x80}));
+  EXPECT_EQ(Version4(ones), (ResourceIdentity{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x4F, 0xFF, 0xBF, 0xFF, 0xFF, 0xFF,
+                                              0xFF, 0xFF, 0xFF, 0xFF}));
+}
+
+TEST(ResourceValuesTest, EveryByteOfAnIdentityIsDrawn) {
+  // All bits of a byte that is not drawn stay the same.
+  ResourceIdentity once{};
+  ResourceIdentity changed{};
+  for (int i = 0; i < 64; ++i) {
+    const ResourceIdentity drawn = MakeOwnValues(ResourceValuesVersion::VER_2, 1, 1).uuid;
+    if (i == 0) once = drawn;
+    for (std::size_t byte = 0; byte < drawn.size(); ++byte)
+      changed[byte] = static_cast<std::uint8_t>(changed[byte] | (once[byte] ^ drawn[byte]));
+  }
+  ResourceIdentity wanted;
+  wanted.fill(0xFF);
+  wanted[6] = 0x0F;
+  wanted[8] = 0x3F;
+  EXPECT_EQ(changed, wanted);
+}
+
+TEST(ResourceValuesTest, ADatagramIsTakenByItsLengthAlone) {
+  const std::vector<unsigned char> bytes(64, 0xA5);
+  for (std::size_t length = 0; length <= bytes.size(); ++length) {
+    const auto values = ValuesOfDatagram({bytes.data(), length});
+    EXPECT_EQ(values.has_value(), length == 14 || length == 35) << length;
+  }
+  const ResourceValuesV2 whole = *ValuesOfDatagram({bytes.data(), 35});
+  EXPECT_EQ(std::memcmp(&whole, bytes.data(), 35), 0);
+  const ResourceValuesV2 widened = *ValuesOfDatagram({bytes.data(), 14});
+  EXPECT_EQ(+widened.version, 2U);
+  EXPECT_EQ(widened.uuid, (ResourceIdentity{0xA5, 0xA5, 0xA5, 0xA5}));
+  EXPECT_EQ(widened.reportIntervalSeconds, 0);
+}
+
 TEST(ResourceValuesTest, OwnRecordOfVersion2HasARandomVersion4Identity) {
   const ResourceValuesV2 own = MakeOwnValues(ResourceValuesVersion::VER_2, 4711, 5);
   EXPECT_EQ(+own.version, 2U);
@@ -88,7 +131,7 @@ TEST(ResourceValuesTest, OwnRecordOfVersion1IsWhatOthersMakeOfIt) {
 }
 
 TEST(ResourceValuesTest, NoRandomNumbersIsTheEntropyError) {
-  const qilsys::test::NoRandomNumbers none;
+  const test::NoRandomNumbers none;
   EXPECT_THROW(MakeOwnValues(ResourceValuesVersion::VER_2, 1, 1), boost::uuids::entropy_error);
   EXPECT_THROW(MakeOwnValues(ResourceValuesVersion::VER_1, 1, 1), boost::uuids::entropy_error);
 }
@@ -121,16 +164,16 @@ TEST(PercentSumTest, WrapsAtEightBitsAndIsLimitedAtTheEnd) {
 }
 
 struct PercentRow {
-  const char* m_name;
-  unsigned long long m_bytes;
-  unsigned long long m_limit;
-  int m_percent;
+  const char* name;
+  unsigned long long bytes;
+  unsigned long long limit;
+  int percent;
 };
 
 class PercentOfLimitTest : public testing::TestWithParam<PercentRow> {};
 
 TEST_P(PercentOfLimitTest, CutsToEightBitsBeforeTheLimit) {
-  EXPECT_EQ(PercentOfLimit(GetParam().m_bytes, GetParam().m_limit), GetParam().m_percent);
+  EXPECT_EQ(PercentOfLimit(GetParam().bytes, GetParam().limit), GetParam().percent);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, PercentOfLimitTest,
@@ -140,6 +183,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, PercentOfLimitTest,
                                          PercentRow{"LastBeforeTheCut", 2550, 1000, 100},
                                          PercentRow{"TheCut", 2560, 1000, 0}, PercentRow{"ThreeTimes", 3000, 1000, 44},
                                          PercentRow{"NoLowBitsLeft", 0xFFFFFFFFFFFFFFFF, 1, 0}),
-                         [](const auto& row) { return row.param.m_name; });
+                         test::RowName<PercentRow>);
 
 }  // namespace
+}  // namespace qilsys::monitor

@@ -54,16 +54,18 @@ NTSTATUS WINAPI GiveNothing(BCRYPT_ALG_HANDLE, PUCHAR, ULONG, ULONG) {
   return static_cast<NTSTATUS>(0xC0000001);  // STATUS_UNSUCCESSFUL
 }
 
-constexpr std::string_view g_randomFunction = "BCryptGenRandom";
+constexpr std::string_view RandomFunction = "BCryptGenRandom";
 
-const ULONG_PTR g_random = *ImportedAddress(g_randomFunction);
+ULONG_PTR s_random = 0;
 
 }  // namespace
 
 NoRandomNumbers::NoRandomNumbers() {
-  Write(ImportedAddress(g_randomFunction), reinterpret_cast<ULONG_PTR>(&GiveNothing));
+  ULONG_PTR* const address = ImportedAddress(RandomFunction);
+  s_random = *address;
+  Write(address, reinterpret_cast<ULONG_PTR>(&GiveNothing));
 }
-NoRandomNumbers::~NoRandomNumbers() { Write(ImportedAddress(g_randomFunction), g_random); }
+NoRandomNumbers::~NoRandomNumbers() { Write(ImportedAddress(RandomFunction), s_random); }
 
 bool NoThreads::CanBeHad() { return false; }
 NoThreads::NoThreads() = default;

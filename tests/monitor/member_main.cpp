@@ -124,7 +124,7 @@ void SendSamples(unsigned short port) {
   ResourceIpc ipc(
       port, [](const ResourceValuesV2&) {}, [](const TStringCore&) {}, nullptr);
   ipc.Send(Sample());
-  ipc.Send(Narrow(Sample()));
+  ipc.Send(qilsys::monitor::Narrow(Sample()));
 }
 
 }  // namespace
