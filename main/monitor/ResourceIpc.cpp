@@ -1,11 +1,11 @@
 #include "monitor/ResourceIpc.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/ip/udp.hpp>
 #include <boost/system/system_error.hpp>
-#include <cstring>
 #include <utility>
 
 #include "monitor/ResourceIpc_platform.h"
@@ -16,39 +16,33 @@ using namespace qilsys::monitor;
 
 namespace {
 
-constexpr const char* g_broadcastAddress = "127.255.255.255";
+constexpr const char* BroadcastAddress = "127.255.255.255";
 
 // The system's default holds a few hundred datagrams, and what does not fit is lost without a word.
-constexpr int g_receiveBufferBytes = 1 << 20;
+constexpr int ReceiveBufferBytes = 1 << 20;
 
 // With the receive buffer, room for the longest datagram there is. The systems, and what stands in for them, differ in
 // how a receive ends whose datagram does not fit, so every datagram does.
-constexpr std::size_t g_restBytes = 1 << 16;
-
-template <class TValues>
-TValues ValuesOf(const unsigned char* datagram) {
-  TValues values;
-  std::memcpy(&values, datagram, sizeof values);
-  return values;
-}
+constexpr std::size_t RestBytes = 1 << 16;
 
 }  // namespace
 
 /// One context and socket to receive with, and another pair to send with.
 struct ResourceIpc::Sockets {
-  explicit Sockets(unsigned short port) : m_destination(boost::asio::ip::make_address(g_broadcastAddress), port) {}
+  explicit Sockets(unsigned short port) : m_destination(boost::asio::ip::make_address(BroadcastAddress), port) {}
 
   void OpenSendSocket() {
-    m_sendSocket.open(udp::v4());
+    OpenUninherited(m_sendSocket);
     m_sendSocket.set_option(udp::socket::broadcast(true));
+    SendFromLoopback(m_sendSocket);
   }
 
   void OpenReceiveSocket() {
-    m_receiveSocket.open(udp::v4());
+    OpenUninherited(m_receiveSocket);
     m_receiveSocket.set_option(udp::socket::reuse_address(true));
     boost::system::error_code refused;
-    m_receiveSocket.set_option(udp::socket::receive_buffer_size(g_receiveBufferBytes), refused);
-    m_receiveSocket.bind({boost::asio::ip::make_address(resource_ipc::ReceiveAddress()), m_destination.port()});
+    m_receiveSocket.set_option(udp::socket::receive_buffer_size(ReceiveBufferBytes), refused);
+    m_receiveSocket.bind({boost::asio::ip::make_address(ReceiveAddress()), m_destination.port()});
   }
 
   template <class TValues>
@@ -56,13 +50,16 @@ struct ResourceIpc::Sockets {
     m_sendSocket.send_to(boost::asio::buffer(&values, sizeof values), m_destination);
   }
 
+  SocketsInUse m_socketsInUse;
+  // What a receive writes to stands before the context, whose destructor waits until the system has let go of the last
+  // receive.
+  udp::endpoint m_senderEndpoint;
+  /// Takes what goes beyond the receive buffer; nobody looks at it.
+  std::unique_ptr<unsigned char[]> m_rest{new unsigned char[RestBytes]};
   boost::asio::io_context m_receiveContext;
   udp::socket m_receiveSocket{m_receiveContext};
   boost::asio::io_context m_sendContext;
   udp::socket m_sendSocket{m_sendContext};
-  udp::endpoint m_senderEndpoint;
-  /// Takes what goes beyond the receive buffer; nobody looks at it.
-  std::unique_ptr<unsigned char[]> m_rest{new unsigned char[g_restBytes]};
   udp::endpoint m_destination;
 };
 
@@ -94,6 +91,8 @@ void ResourceIpc::Listen() {
   PostReceive();
   m_sockets->m_receiveContext.run();
   boost::system::error_code ignored;
+  // Closing alone ends a receive only with the last handle on the socket, wherever that may be.
+  m_sockets->m_receiveSocket.cancel(ignored);
   m_sockets->m_receiveSocket.shutdown(udp::socket::shutdown_both, ignored);
   m_sockets->m_receiveSocket.close(ignored);
   m_logFunc(u"Resource Manager: listening thread has stopped");
@@ -101,7 +100,7 @@ void ResourceIpc::Listen() {
 
 void ResourceIpc::PostReceive() {
   const std::array<boost::asio::mutable_buffer, 2> buffers{boost::asio::buffer(m_receiveBuffer),
-                                                           boost::asio::buffer(m_sockets->m_rest.get(), g_restBytes)};
+                                                           boost::asio::buffer(m_sockets->m_rest.get(), RestBytes)};
   m_sockets->m_receiveSocket.async_receive_from(
       buffers, m_sockets->m_senderEndpoint,
       [this](const boost::system::error_code& error, std::size_t length) { OnReceive(error, length); });
@@ -110,7 +109,7 @@ void ResourceIpc::PostReceive() {
 // Returning without another receive leaves the context without work, which ends the listening.
 void ResourceIpc::OnReceive(const boost::system::error_code& error, std::size_t length) {
   if (error || length == 0) {
-    m_logFunc(u"Resource Manager: socket error: " + TStringCore::fromStdString(error.message()));
+    m_logFunc(SocketErrorLine(error));
     return;
   }
   Judge(length);
@@ -120,12 +119,16 @@ void ResourceIpc::OnReceive(const boost::system::error_code& error, std::size_t 
 void ResourceIpc::Judge(std::size_t length) {
   const boost::asio::ip::address sender = m_sockets->m_senderEndpoint.address();
   if (!sender.is_v4() || sender.to_v4() != boost::asio::ip::address_v4::loopback()) return;
-  if (length == sizeof(ResourceValuesV2)) {
-    m_onValues(ValuesOf<ResourceValuesV2>(m_receiveBuffer.data()));
-  } else if (length == sizeof(ResourceValuesV1)) {
-    m_onValues(Widen(ValuesOf<ResourceValuesV1>(m_receiveBuffer.data())));
+  const std::span<const unsigned char> datagram(m_receiveBuffer.data(), std::min(length, m_receiveBuffer.size()));
+  if (const std::optional<ResourceValuesV2> values = ValuesOfDatagram(datagram)) {
+    m_onValues(*values);
   } else {
     m_logFunc(u"Resource Manager: rejected invalid network packet from: " +
               TStringCore::fromStdString(sender.to_string()));
   }
+}
+
+// The text comes in the 8-bit encoding of the process, whatever the system's language is.
+TStringCore qilsys::monitor::SocketErrorLine(const boost::system::error_code& error) {
+  return u"Resource Manager: socket error: " + TStringCore::fromLocal8Bit(error.message().c_str());
 }

@@ -1,3 +1,4 @@
+/// The sockets by which the members of a group hear each other.
 #pragma once
 
 #include <array>
@@ -52,3 +53,10 @@ class ResourceIpc {
   std::function<void(const TStringCore&)> m_logFunc;
   std::terminate_handler m_terminateHandler;
 };
+
+namespace qilsys::monitor {
+
+/// The line that ends the log of a listener whose socket has failed.
+TStringCore SocketErrorLine(const boost::system::error_code& error);
+
+}  // namespace qilsys::monitor

@@ -5,9 +5,31 @@
 #error "This file is for Linux."
 #endif
 
-namespace resource_ipc {
+#include <sys/socket.h>
+
+#include <boost/system/system_error.hpp>
+#include <cerrno>
+
+#include "system/FileDescriptor_linux.h"
+
+namespace qilsys::monitor {
+
+using boost::asio::ip::udp;
+
+SocketsInUse::SocketsInUse() = default;
+SocketsInUse::~SocketsInUse() = default;
+
+void OpenUninherited(udp::socket& socket) {
+  system::FileDescriptor descriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP));
+  if (!descriptor.IsOpen()) throw boost::system::system_error(errno, boost::system::system_category(), "open");
+  socket.assign(udp::v4(), descriptor.Get());
+  descriptor.Release();
+}
 
 // A socket bound to 127.0.0.1 gets no broadcast here, and one bound to 0.0.0.0 would be open to the network.
 const char* ReceiveAddress() { return "127.255.255.255"; }
 
-}  // namespace resource_ipc
+// The routes of this system leave no choice: what goes to the loopback's broadcast address comes from 127.0.0.1.
+void SendFromLoopback(udp::socket&) {}
+
+}  // namespace qilsys::monitor

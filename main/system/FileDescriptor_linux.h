@@ -29,6 +29,9 @@ class FileDescriptor {
   bool IsOpen() const noexcept { return m_descriptor >= 0; }
   int Get() const noexcept { return m_descriptor; }
 
+  /// Gives the descriptor up without closing it.
+  int Release() noexcept { return std::exchange(m_descriptor, -1); }
+
   /// Closes the descriptor, if there is one, and owns `descriptor` from now on.
   void Reset(int descriptor = -1) noexcept {
     const int old = std::exchange(m_descriptor, descriptor);

@@ -20,6 +20,7 @@ udp::endpoint Endpoint(const std::string& address, unsigned short port) {
 }  // namespace
 
 struct Stranger::Socket {
+  monitor::SocketsInUse m_socketsInUse;
   boost::asio::io_context m_context;
   udp::socket m_socket{m_context};
 };
@@ -27,12 +28,13 @@ struct Stranger::Socket {
 Stranger::Stranger(unsigned short port) : m_socket(std::make_unique<Socket>()) {
   m_socket->m_socket.open(udp::v4());
   loopback::HoldAlone(static_cast<std::uintptr_t>(m_socket->m_socket.native_handle()));
-  m_socket->m_socket.bind(Endpoint(resource_ipc::ReceiveAddress(), port));
+  m_socket->m_socket.bind(Endpoint(monitor::ReceiveAddress(), port));
 }
 
 Stranger::~Stranger() = default;
 
 unsigned short FreePort() {
+  const monitor::SocketsInUse socketsInUse;
   boost::asio::io_context context;
   return udp::socket(context, Endpoint("127.0.0.1", 0)).local_endpoint().port();
 }
@@ -41,6 +43,7 @@ struct Sender::Socket {
   Socket(unsigned short port, const std::string& source)
       : m_socket(m_context, Endpoint(source, 0)), m_destination(Endpoint("127.255.255.255", port)) {}
 
+  monitor::SocketsInUse m_socketsInUse;
   boost::asio::io_context m_context;
   udp::socket m_socket;
   udp::endpoint m_destination;

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <vector>
 
+#include "monitor/ChildProcess.h"
 #include "monitor/Loopback.h"
 #include "monitor/Scarcity.h"
 #include "support/Eventually.h"
@@ -206,6 +207,30 @@ TEST(ResourceIpcTest, AFloodIsHeardWhole) {
   for (unsigned int i = 0; i < count; ++i) listener.Ipc().Send(Sample(static_cast<std::uint8_t>(i)));
   ASSERT_TRUE(listener.HasValues(count));
   for (unsigned int i = 0; i < count; ++i) EXPECT_EQ(+listener.Values()[i].pid, i);
+}
+
+// The monitor's hosts start programs of their own, and these may outlive it.
+TEST(ResourceIpcTest, AProgramThatIsStartedInheritsNoSocket) {
+  const unsigned short port = FreePort();
+  Listener listener(port);
+  const ChildProcess child;
+  listener.Destroy();
+  EXPECT_EQ(listener.Lines(), std::vector<std::string>{s_stopped});
+  EXPECT_NO_THROW(Stranger{port});
+}
+
+/// An error whose text is in the 8-bit encoding of the process, as the system's texts are.
+class LocalCategory : public boost::system::error_category {
+ public:
+  const char* name() const noexcept override { return "local"; }
+  std::string message(int) const override { return TStringCore(u"Stra\u00DFe").toLocal8Bit(); }
+};
+
+TEST(SocketErrorLineTest, ReadsTheTextInTheEncodingOfTheProcess) {
+  const LocalCategory category;
+  const TStringCore local = TStringCore::fromLocal8Bit(category.message(1).c_str());
+  EXPECT_EQ(SocketErrorLine(boost::system::error_code(1, category)), u"Resource Manager: socket error: " + local);
+  if (local != u"Stra\u00DFe") GTEST_SKIP() << "left out: the encoding of this process lacks the letter";
 }
 
 TEST(ResourceIpcTest, APortTakenByAStrangerIsABindFailure) {
