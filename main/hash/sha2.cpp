@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 #include "hash/ReadWord.h"
 #include "hash/ShaTransform.h"
@@ -75,6 +76,12 @@ void sha2::SHA512_Internal_Transform(uint64_t* state, const unsigned char* block
   qilsys::hash::ActiveShaTransforms().sha512(state, blocks, count);
 }
 
+sha2& sha2::operator=(const sha2& other) {
+  // The text is the only member whose copy can fail.
+  sha2 copy(other);
+  return *this = std::move(copy);
+}
+
 void sha2::Init(SHA_TYPE type) {
   m_type = type;
   m_finished = false;
@@ -104,6 +111,8 @@ void sha2::Update(const unsigned char* data, unsigned long long length) {
 
 void sha2::End() {
   CheckType();
+  // The only step that can fail comes before any that changes the computation.
+  m_stringHash.reserve(2 * MaxDigestBytes);
   if (KindOf(m_type).wide) {
     SHA512_Internal_Last();
   } else {

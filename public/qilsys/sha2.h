@@ -21,6 +21,12 @@ class QILSYS_API sha2 {
   enum SHA_TYPE : int { SHA160 = 1, SHA224 = 2, SHA256 = 3, SHA384 = 4, SHA512 = 5 };
 
   sha2() = default;
+  sha2(const sha2& other) = default;
+  sha2(sha2&& other) noexcept = default;
+  /// Takes all of the other's computation, or nothing where the copy finds no memory.
+  sha2& operator=(const sha2& other);
+  sha2& operator=(sha2&& other) noexcept = default;
+  ~sha2() = default;
 
   /// Starts a computation. Throws std::runtime_error "Invalid SHA_TYPE type!" for any other value, which is stored
   /// all the same, so that only another `Init` helps.
@@ -31,7 +37,7 @@ class QILSYS_API sha2 {
   void Update(const unsigned char* data, unsigned long long length);
 
   /// Finishes, after which the digest can be read. Throws std::runtime_error "Invalid SHA_TYPE type!" unless `Init` has
-  /// set a type.
+  /// set a type, and std::bad_alloc where there is no memory, after which it can be called again.
   void End();
 
   /// `Init`, `Update` and `End` in one. The reference is to this object's text, which its next `End` changes.

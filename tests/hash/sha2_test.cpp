@@ -4,11 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "support/FailingAllocations.h"
 #include "support/RowName.h"
+
+using qilsys::test::FailingAllocations;
 
 namespace {
 
@@ -180,6 +184,39 @@ TEST_P(Sha2Type, CopyOfAFinishedObjectIsFinished) {
   EXPECT_EQ(moved.StringHash(), wanted);
   copy.RawHash(length);
   EXPECT_EQ(length, GetParam().bytes);
+}
+
+TEST_P(Sha2Type, EndThatFindsNoMemoryCanBeCalledAgain) {
+  if (!FailingAllocations::SeesOperatorNew()) GTEST_SKIP() << "another operator new has won";
+  sha2 digest;
+  digest.Init(m_type);
+  Feed(digest, "abc");
+  {
+    const FailingAllocations failing(1);
+    EXPECT_THROW(digest.End(), std::bad_alloc);
+  }
+  ExpectUnfinished(digest);
+  digest.End();
+  sha2 plain;
+  EXPECT_EQ(digest.StringHash(), plain.GetHash(m_type, Data("abc"), 3));
+}
+
+TEST_P(Sha2Type, AssignmentThatFindsNoMemoryChangesNothing) {
+  if (!FailingAllocations::SeesOperatorNew()) GTEST_SKIP() << "another operator new has won";
+  sha2 source;
+  source.GetHash(m_type == sha2::SHA512 ? sha2::SHA256 : sha2::SHA512, Data("other"), 5);
+  sha2 digest;
+  digest.Init(m_type);
+  Feed(digest, "ab");
+  {
+    const FailingAllocations failing(1);
+    EXPECT_THROW(digest = source, std::bad_alloc);
+  }
+  EXPECT_EQ(digest.GetEnumType(), m_type);
+  Feed(digest, "c");
+  digest.End();
+  sha2 plain;
+  EXPECT_EQ(digest.StringHash(), plain.GetHash(m_type, Data("abc"), 3));
 }
 
 // Not checked: the flag stays, and the reads go on working.
