@@ -14,4 +14,8 @@ Progress ConvertUtf8(const char* source, int length, TCodeUnit* target, int capa
 Progress ConvertUtf16(const TCodeUnit* source, int length, char* target, int capacity,
                       const Kernel& kernel = BestKernel());
 
+/// Converts the whole text into the `bytes` that MeasureUtf16ToUtf8 gave for it. Writes no terminator, so that a result
+/// of INT_MAX bytes is possible.
+void WriteMeasuredUtf8(const TCodeUnit* source, int length, char* target, int bytes);
+
 }  // namespace Unicode

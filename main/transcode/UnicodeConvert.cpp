@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <utility>
 
 #include "transcode/UnicodeBulk.h"
@@ -62,16 +63,30 @@ Outcome RunUtf16ToUtf8(const TCodeUnit* source, int length, char* target, int ca
   return outcome;
 }
 
+/// Raises where the result has more elements than an `int` counts; ICU would give a length that has wrapped. Texts that
+/// are too short for that are not counted.
+void RequireCountable(const TCodeUnit* source, int length) {
+  if (length > INT_MAX / 3 && BestKernel().countUtf8(source, static_cast<size_t>(length)) > INT_MAX) {
+    qilsys::units::ThrowCapacity();
+  }
+}
+void RequireCountable(const char32_t* source, int length) {
+  // The measure is clipped; a target for exactly so many could not be terminated.
+  if (length > INT_MAX / 2 && MeasureUtf32ToUtf16(source, length) == INT_MAX) qilsys::units::ThrowCapacity();
+}
+
 /// ICU's answer to a null target.
 Outcome PreflightUtf16ToUtf8(const TCodeUnit* source, int length) {
   Outcome outcome;
-  if (length > 0 && length <= INT_MAX / 3) {
-    outcome.length = static_cast<int32_t>(BestKernel().countUtf8(source, static_cast<size_t>(length)));
-    outcome.status = U_BUFFER_OVERFLOW_ERROR;
-  } else {
-    u_strToUTF8WithSub(nullptr, 0, &outcome.length, ToIcu(source), length, Substitute, &outcome.substitutions,
+  if (length == 0) {
+    u_strToUTF8WithSub(nullptr, 0, &outcome.length, ToIcu(source), 0, Substitute, &outcome.substitutions,
                        &outcome.status);
+    return outcome;
   }
+  const std::int64_t bytes = BestKernel().countUtf8(source, static_cast<size_t>(length));
+  if (bytes > INT_MAX) qilsys::units::ThrowCapacity();
+  outcome.length = static_cast<int32_t>(bytes);
+  outcome.status = U_BUFFER_OVERFLOW_ERROR;
   return outcome;
 }
 
@@ -116,6 +131,7 @@ int Utf8ToUtf16(const char* source, int length, TCodeUnit* target, int capacity)
 int Utf32ToUtf16(const char32_t* source, int length, TCodeUnit* target, int capacity) {
   RequireText(source, length, "Unicode::Utf32ToUtf16");
   if (!target) return MeasureUtf32ToUtf16(source, length);
+  RequireCountable(source, length);
   Outcome outcome;
   u_strFromUTF32WithSub(ToIcu(target), capacity, &outcome.length, ToIcu(source), length, Substitute,
                         &outcome.substitutions, &outcome.status);
@@ -126,9 +142,17 @@ int Utf32ToUtf16(const char32_t* source, int length, TCodeUnit* target, int capa
 int Utf16ToUtf8(const TCodeUnit* source, int length, char* target, int capacity) {
   RequireText(source, length, "Unicode::Utf16ToUtf8");
   if (!target) return Preflighted(PreflightUtf16ToUtf8(source, length), "Unicode::Utf16ToUtf8", "t_u_strToUTF8WithSub");
+  RequireCountable(source, length);
   const Outcome outcome = RunUtf16ToUtf8(source, length, target, capacity);
   RequireSuccess(outcome.status, "Unicode::Utf16ToUtf8", "t_u_strToUTF8WithSub");
   return outcome.length;
+}
+
+void WriteMeasuredUtf8(const TCodeUnit* source, int length, char* target, int bytes) {
+  const Outcome outcome = RunUtf16ToUtf8(source, length, target, bytes);
+  if (outcome.status != U_STRING_NOT_TERMINATED_WARNING) {
+    RequireSuccess(outcome.status, "Unicode::Utf16ToUtf8", "t_u_strToUTF8WithSub");
+  }
 }
 
 int Utf16ToUtf32(const TCodeUnit* source, int length, char32_t* target, int capacity) {

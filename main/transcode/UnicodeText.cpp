@@ -3,6 +3,7 @@
 #include <climits>
 #include <type_traits>
 
+#include "transcode/UnicodeBulk.h"
 #include "transcode/UnicodeWide.h"
 #include "units/ForeignElements.h"
 #include "units/TextLength.h"
@@ -140,7 +141,7 @@ std::string toStdString(const TCodeUnit* text, size_t length) {
   const int units = ToLength(length);
   const int size = MeasureUtf16ToUtf8(text, units);
   result.resize(static_cast<size_t>(size));
-  Utf16ToUtf8(text, units, result.data(), size + 1);
+  WriteMeasuredUtf8(text, units, result.data(), size);
   return result;
 }
 

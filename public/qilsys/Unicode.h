@@ -6,7 +6,8 @@
 ///
 /// Bad input is never a failure, it becomes U+FFFD. Failures are TStringCore::Exception: a null source, a negative
 /// length, a target that is too small, and any status of ICU but success; so a target of ICU's that is filled to its
-/// last element raises for the terminator that it lacks. No function has a state; all are safe from any thread.
+/// last element raises for the terminator that it lacks. UTF-8 of more than INT_MAX bytes, which no length here could
+/// count, is TStringCore::CapacityException. No function has a state; all are safe from any thread.
 #pragma once
 
 #include <cstddef>
