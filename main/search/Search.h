@@ -1,8 +1,12 @@
 /// The engines behind searching and comparing, on raw units.
 ///
 /// Lengths and indices count units, and -1 means "not found". Every sensitivity but `CaseSensitive` folds. Units of raw
-/// text that comes with a length may hold NULs; text without one ends at its first. Nothing here allocates but what
-/// says so, and nothing raises but the measuring of a text without a length (TextLength.h).
+/// text that comes with a length may hold NULs; text without one ends at its first.
+///
+/// Every search for a needle takes a time that is linear in text and needle, whatever the letters; only findLastStr
+/// says an exception. Nothing here allocates, but for a set of more than 64 units that are not all ASCII and for the
+/// table of buildFailureTable: those may raise std::bad_alloc, before anything is changed. Nothing else raises but the
+/// measuring of a text without a length (TextLength.h).
 #pragma once
 
 #include <vector>
@@ -32,16 +36,18 @@ int compareN(const TCodeUnit* a, const TCodeUnit* b, int n, CaseSensitivity cs);
 /// Whether compareN gives 0; both texts must have `n` readable units.
 bool equalUpToNul(const TCodeUnit* a, const TCodeUnit* b, int n, CaseSensitivity cs);
 
-/// Whether `n` units are equal, NULs like all others.
-bool equalUnits(const TCodeUnit* a, const TCodeUnit* b, int n, CaseSensitivity cs);
+/// The first index at which the texts differ, or `n`; NULs are like all other units.
+int firstDifference(const TCodeUnit* a, const TCodeUnit* b, int n, CaseSensitivity cs);
 
 // Substrings.
 
 /// The first place of `needle` at or after `start` (from the end when negative). The empty needle, or one that begins
-/// with NUL, is found at `start` itself, if that lies before `hayLen`. Allocates only when folding meets text that
-/// nearly matches again and again.
+/// with NUL, is found at `start` itself, if that lies before `hayLen`.
 int findStrCore(const TCodeUnit* hay, int hayLen, const TCodeUnit* needle, int needleLen, int start,
                 CaseSensitivity cs);
+
+/// The same for a needle of at least one unit, in which a NUL is like any other, and from an index that is not negative.
+int findUnits(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, int from, CaseSensitivity cs);
 
 /// Fills `table` with the index of the last unit of the longest proper border of each prefix, -1 for none. A null
 /// needle or a length below 1 leaves it untouched.
@@ -51,9 +57,20 @@ void buildFailureTable(const TCodeUnit* needle, int length, std::vector<int>& ta
 int kmpSearch(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, const std::vector<int>& table,
               CaseSensitivity cs);
 
-/// The last place of `needle`, by code point, at or before `from` (-1: the end; below: from the end).
+/// The last place of `needle`, by code point, at or before `from` (-1: the end; below: from the end). Where text or
+/// needle has a lone surrogate the walk is tied to how each step treats it, and long near misses cost needle times text.
 int findLastStr(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, int from,
                 CaseSensitivity cs);
+
+/// How many code points a walk backward may compare for each unit of its way before findLastWellFormed is faster.
+constexpr int UnitsPerStepBackward = 4;
+
+/// Whether no surrogate is alone.
+bool isWellFormed(const TCodeUnit* s, int len);
+
+/// The last place of `needle`, by code point, that lies before `end` with all its units. Text and needle must be well
+/// formed, and `end` at most the text's length.
+int findLastWellFormed(const TCodeUnit* text, int end, const TCodeUnit* needle, int needleLen, CaseSensitivity cs);
 
 /// How many times `needle` occurs, overlaps included.
 int countStr(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, CaseSensitivity cs);
@@ -72,8 +89,7 @@ int countUnit(const TCodeUnit* s, int len, TCodeUnit c);
 
 // Sets. Text and set must be terminated at their lengths, since decoding looks one unit ahead.
 
-/// The first unit or code point at or after `start` that is in `set`; a negative `start` finds nothing. May allocate
-/// when the set is not ASCII.
+/// The first unit or code point at or after `start` that is in `set`; a negative `start` finds nothing.
 int findAnyOfCore(const TCodeUnit* text, int textLen, const TCodeUnit* set, int setLen, int start);
 
 /// The first code point at or after `start` that is not in `set`; a negative `start` finds nothing.

@@ -1,17 +1,22 @@
+// Backward: places are tried from the end on, by code point; where the tries cost too much the Two-Way algorithm goes
+// on over the text read backward, if it is well formed.
 #include "search/Search.h"
 
 #include <algorithm>
 
 #include "qilsys/CodePoint.h"
+#include "search/Effort.h"
+#include "search/TwoWay.h"
 
 namespace qilsys::search {
 namespace {
 
 // Steps through the needle as GetNextCodePointPointer does, so a lone surrogate may end it or hide the unit behind it;
 // the text moves by what was compared, and never passes the needle's length.
-bool matchesAt(const TCodeUnit* text, const TCodeUnit* needle, int needleLen, CaseSensitivity cs) {
+bool matchesAt(const TCodeUnit* text, const TCodeUnit* needle, int needleLen, CaseSensitivity cs, Effort& effort) {
   const TCodeUnit* next = needle;
   while (next != nullptr) {
+    effort.spend(1);
     int units = 0;
     char32_t ours = CodePoint::GetCodePoint(text, &units);
     char32_t theirs = CodePoint::GetCodePoint(next);
@@ -26,7 +31,55 @@ bool matchesAt(const TCodeUnit* text, const TCodeUnit* needle, int needleLen, Ca
   return true;
 }
 
+/// The units before `end` from the last to the first.
+struct Backward {
+  TCodeUnit operator[](int i) const { return text[end - 1 - i]; }
+  const TCodeUnit* text;
+  int end;
+};
+
+/// The same, of the text that its folded code points would make. Folding never turns one unit into two or two into
+/// one, so each unit of that text is known where it stands.
+struct FoldedBackward {
+  TCodeUnit operator[](int i) const {
+    const TCodeUnit* unit = text + (end - 1 - i);
+    if (CodePoint::IsHighSurrogate(*unit)) return highSurrogate(units::foldCodePoint(CodePoint::GetCodePoint(unit)));
+    if (CodePoint::IsLowSurrogate(*unit)) return lowSurrogate(units::foldCodePoint(CodePoint::GetCodePoint(unit - 1)));
+    return units::foldCodeUnit(*unit);
+  }
+  const TCodeUnit* text;
+  int end;
+
+ private:
+  static TCodeUnit highSurrogate(char32_t c) { return static_cast<TCodeUnit>(0xD7C0 + (c >> 10)); }
+  static TCodeUnit lowSurrogate(char32_t c) { return static_cast<TCodeUnit>(0xDC00 + (c & 0x3FF)); }
+};
+
+template <class Reader>
+int findLastByTwoWay(const TCodeUnit* text, int end, const TCodeUnit* needle, int needleLen) {
+  int found = -1;
+  TwoWay<Reader>({needle, needleLen}, needleLen).eachMatch(Reader{text, end}, end, 0, [&](int at) {
+    found = end - at - needleLen;
+    return false;
+  });
+  return found;
+}
+
 }  // namespace
+
+bool isWellFormed(const TCodeUnit* s, int len) {
+  for (int i = 0; i < len; ++i) {
+    if ((s[i] & 0xF800) != 0xD800) continue;
+    if (!CodePoint::IsHighSurrogate(s[i]) || i + 1 == len || !CodePoint::IsLowSurrogate(s[i + 1])) return false;
+    ++i;
+  }
+  return true;
+}
+
+int findLastWellFormed(const TCodeUnit* text, int end, const TCodeUnit* needle, int needleLen, CaseSensitivity cs) {
+  return cs == TStringOptions::CaseSensitive ? findLastByTwoWay<Backward>(text, end, needle, needleLen)
+                                             : findLastByTwoWay<FoldedBackward>(text, end, needle, needleLen);
+}
 
 int findLastStr(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, int from,
                 CaseSensitivity cs) {
@@ -36,22 +89,17 @@ int findLastStr(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int
   int first = std::min(from, textLen - needleLen);
   while (first >= 0 && !CodePoint::IsFirstCodeUnit(text[first])) --first;
   if (first < 0) return -1;
+  Effort effort(needleLen, UnitsPerStepBackward);
+  bool mayBeWellFormed = true;
   for (const TCodeUnit* at = text + first; at != nullptr; at = CodePoint::GetPreviousCodePointPointer(text, at)) {
-    if (matchesAt(at, needle, needleLen, cs)) return static_cast<int>(at - text);
+    const int index = static_cast<int>(at - text);
+    if (matchesAt(at, needle, needleLen, cs, effort)) return index;
+    if (mayBeWellFormed && effort.isTooMuch(first - index)) {
+      mayBeWellFormed = isWellFormed(text, textLen) && isWellFormed(needle, needleLen);
+      if (mayBeWellFormed) return findLastWellFormed(text, index + needleLen, needle, needleLen, cs);
+    }
   }
   return -1;
-}
-
-int countStr(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, CaseSensitivity cs) {
-  if (needle == nullptr || needleLen < 1 || needleLen > textLen) return 0;
-  const int step = std::max(CodePoint::CountCodeUnits(needle), 1);
-  int count = 0;
-  for (int at = 0; at <= textLen - needleLen; at += step) {
-    at = findStrCore(text, textLen, needle, needleLen, at, cs);
-    if (at < 0) break;
-    ++count;
-  }
-  return count;
 }
 
 }  // namespace qilsys::search

@@ -74,8 +74,8 @@ bool equalUpToNul(const TCodeUnit* a, const TCodeUnit* b, int n, CaseSensitivity
   return at == n || a[at] == b[at];
 }
 
-bool equalUnits(const TCodeUnit* a, const TCodeUnit* b, int n, CaseSensitivity cs) {
-  return firstDifference<false>(a, b, n, cs) == n;
+int firstDifference(const TCodeUnit* a, const TCodeUnit* b, int n, CaseSensitivity cs) {
+  return firstDifference<false>(a, b, n, cs);
 }
 
 }  // namespace qilsys::search

@@ -1,8 +1,12 @@
+// Forward: the places at which both ends of the needle match are found by vectors and tried; where the tries cost too
+// much the Two-Way algorithm goes on.
 #include "search/Search.h"
 
 #include <algorithm>
-#include <cstdint>
 
+#include "qilsys/CodePoint.h"
+#include "search/Effort.h"
+#include "search/TwoWay.h"
 #include "units/UnitScan.h"
 
 namespace qilsys::search {
@@ -10,73 +14,79 @@ namespace {
 
 using Originals = units::FoldingTable::Originals;
 
-// Both ends of the needle are looked for at once, which few places of a text pass by chance.
-template <int N>
-auto endsTest(const TCodeUnit* text, const TCodeUnit* firsts, const TCodeUnit* lasts, int needleLen) {
-  using Ends = units::IsOneOf<units::UnitLanes, N>;
-  return units::AreBoth<Ends, Ends>(Ends(text, firsts), Ends(text + needleLen - 1, lasts));
-}
+/// Where to look, and for what.
+struct Sought {
+  const TCodeUnit* text;
+  int textLen;
+  const TCodeUnit* needle;
+  int needleLen;
+  CaseSensitivity cs;
+};
 
-int findExactly(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, int start) {
-  const int end = textLen - needleLen + 1;
-  const auto test = endsTest<1>(text, needle, needle + needleLen - 1, needleLen);
-  for (int at = start; (at = units::scanForward(at, end, test)) >= 0; ++at) {
-    if (equalUnits(text + at, needle, needleLen, TStringOptions::CaseSensitive)) return at;
+struct FoldedUnits {
+  TCodeUnit operator[](int i) const { return units::foldCodeUnit(text[i]); }
+  const TCodeUnit* text;
+};
+
+template <class Match>
+void eachByTwoWay(const Sought& s, int from, Match match) {
+  if (s.cs == TStringOptions::CaseSensitive) {
+    TwoWay<const TCodeUnit*>(s.needle, s.needleLen).eachMatch(s.text, s.textLen, from, match);
+  } else {
+    TwoWay<FoldedUnits>({s.needle}, s.needleLen).eachMatch(FoldedUnits{s.text}, s.textLen, from, match);
   }
-  return -1;
 }
 
-int findByTable(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, int start) {
-  std::vector<int> table;
-  buildFailureTable(needle, needleLen, table, TStringOptions::CaseInsensitive);
-  const int at = kmpSearch(text + start, textLen - start, needle, needleLen, table, TStringOptions::CaseInsensitive);
-  return at < 0 ? at : at + start;
+/// Both ends of the needle are looked for at once, which few places of a text pass by chance. `firsts` and `lasts` are
+/// `N` units each that its first and its last unit may stand as.
+template <int N, class Match>
+void eachByEnds(const Sought& s, int from, const TCodeUnit* firsts, const TCodeUnit* lasts, Match match) {
+  // Vectors compare and pass over sixteen units in the time that the Two-Way algorithm takes for one.
+  constexpr int Width = units::UnitLanes::Count;
+  using Ends = units::IsOneOf<units::UnitLanes, N>;
+  const units::AreBoth<Ends, Ends> test(Ends(s.text, firsts), Ends(s.text + s.needleLen - 1, lasts));
+  const int end = s.textLen - s.needleLen + 1;
+  Effort effort(s.needleLen, Width);
+  for (int at = from; (at = units::scanForward(at, end, test)) >= 0; ++at) {
+    const int same = firstDifference(s.text + at, s.needle, s.needleLen, s.cs);
+    if (same == s.needleLen && !match(at)) return;
+    effort.spend(same + Width);
+    if (effort.isTooMuch(at - from)) return eachByTwoWay(s, at + 1, match);
+  }
 }
 
-// Fills the unused places, so that a test of fixed width may look for all of them.
+/// Fills the unused places, so that a test of fixed width may look for all of them.
 Originals padded(Originals originals) {
   for (int i = originals.count; i < Originals::MaxUnits; ++i) originals.units[i] = originals.units[0];
   return originals;
 }
 
-// Tries the places at which both ends match. A text that is full of near misses would cost needle times text, so
-// once the tries have cost more than the table would, the table takes over from there.
-template <int N>
-int findFoldedEnds(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, int start,
-                   const Originals& first, const Originals& last) {
-  constexpr std::int64_t FreeUnits = 256;
-  const int end = textLen - needleLen + 1;
-  const auto test = endsTest<N>(text, first.units, last.units, needleLen);
-  std::int64_t tried = 0;
-  for (int at = start; (at = units::scanForward(at, end, test)) >= 0; ++at) {
-    if (equalUnits(text + at, needle, needleLen, TStringOptions::CaseInsensitive)) return at;
-    tried += needleLen;
-    if (tried > FreeUnits + needleLen + (at - start)) {
-      return findByTable(text, textLen, needle, needleLen, at + 1);
-    }
-  }
-  return -1;
-}
-
-int findFolded(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, int start) {
-  if (needleLen < 1 || needleLen > textLen - start) return -1;
+template <class Match>
+void eachFolded(const Sought& s, int from, Match match) {
   const units::FoldingTable& folding = units::FoldingTable::instance();
-  const Originals first = padded(folding.originals(units::foldCodeUnit(needle[0])));
-  const Originals last = padded(folding.originals(units::foldCodeUnit(needle[needleLen - 1])));
-  if (first.count == 0 || last.count == 0) return findByTable(text, textLen, needle, needleLen, start);
+  const Originals first = padded(folding.originals(units::foldCodeUnit(s.needle[0])));
+  const Originals last = padded(folding.originals(units::foldCodeUnit(s.needle[s.needleLen - 1])));
+  if (first.count == 0 || last.count == 0) return eachByTwoWay(s, from, match);
   const bool areNarrow = first.count <= 2 && last.count <= 2;
-  return areNarrow ? findFoldedEnds<2>(text, textLen, needle, needleLen, start, first, last)
-                   : findFoldedEnds<4>(text, textLen, needle, needleLen, start, first, last);
+  return areNarrow ? eachByEnds<2>(s, from, first.units, last.units, match)
+                   : eachByEnds<4>(s, from, first.units, last.units, match);
 }
 
-TCodeUnit folded(TCodeUnit c, CaseSensitivity cs) {
-  return cs == TStringOptions::CaseSensitive ? c : units::foldCodeUnit(c);
+/// Calls `match(at)` for each place at or after `from`, in order and overlaps included, until it says false.
+template <class Match>
+void eachMatch(const Sought& s, int from, Match match) {
+  if (s.needleLen > s.textLen - from) return;
+  if (s.cs != TStringOptions::CaseSensitive) return eachFolded(s, from, match);
+  eachByEnds<1>(s, from, s.needle, s.needle + s.needleLen - 1, match);
 }
 
-// The longest border of what had matched up to `k` that `c` lengthens.
-int nextMatched(const TCodeUnit* needle, const std::vector<int>& table, int k, TCodeUnit c, CaseSensitivity cs) {
-  while (k >= 0 && folded(needle[k + 1], cs) != c) k = table[static_cast<std::size_t>(k)];
-  return folded(needle[k + 1], cs) == c ? k + 1 : k;
+int firstMatch(const Sought& s, int from) {
+  int found = -1;
+  eachMatch(s, from, [&](int at) {
+    found = at;
+    return false;
+  });
+  return found;
 }
 
 }  // namespace
@@ -87,32 +97,30 @@ int findStrCore(const TCodeUnit* hay, int hayLen, const TCodeUnit* needle, int n
   if (start < 0) start = hayLen < 0 ? -1 : start + hayLen;
   if (start < 0 || start >= hayLen) return -1;
   if (needle == nullptr || needle[0] == 0) return start;
-  if (hay == nullptr) return -1;
-  if (cs != TStringOptions::CaseSensitive) return findFolded(hay, hayLen, needle, needleLen, start);
-  if (needleLen < 0 || needleLen > hayLen - start) return -1;
-  return needleLen == 0 ? start : findExactly(hay, hayLen, needle, needleLen, start);
+  if (hay == nullptr || needleLen < 0) return -1;
+  if (needleLen == 0) return cs == TStringOptions::CaseSensitive ? start : -1;
+  return firstMatch({hay, hayLen, needle, needleLen, cs}, start);
 }
 
-void buildFailureTable(const TCodeUnit* needle, int length, std::vector<int>& table, CaseSensitivity cs) {
-  if (needle == nullptr || length < 1) return;
-  table.assign(static_cast<std::size_t>(length), 0);
-  table[0] = -1;
-  int k = -1;
-  for (int i = 1; i < length; ++i) {
-    k = nextMatched(needle, table, k, folded(needle[i], cs), cs);
-    table[static_cast<std::size_t>(i)] = k;
-  }
-}
-
-int kmpSearch(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, const std::vector<int>& table,
+int findUnits(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, int from,
               CaseSensitivity cs) {
-  if (text == nullptr || needle == nullptr || textLen < 1 || needleLen < 1 || textLen < needleLen) return -1;
-  int k = -1;
-  for (int i = 0; i < textLen; ++i) {
-    k = nextMatched(needle, table, k, folded(text[i], cs), cs);
-    if (k + 1 == needleLen) return i - needleLen + 1;
-  }
-  return -1;
+  return firstMatch({text, textLen, needle, needleLen, cs}, from);
+}
+
+int countStr(const TCodeUnit* text, int textLen, const TCodeUnit* needle, int needleLen, CaseSensitivity cs) {
+  if (needle == nullptr || needleLen < 1 || needleLen > textLen) return 0;
+  // A needle that begins with NUL is found at every unit.
+  if (needle[0] == 0) return textLen - needleLen + 1;
+  const int step = std::max(CodePoint::CountCodeUnits(needle), 1);
+  int count = 0;
+  int next = 0;
+  eachMatch({text, textLen, needle, needleLen, cs}, 0, [&](int at) {
+    if (at < next) return true;
+    ++count;
+    next = at + step;
+    return true;
+  });
+  return count;
 }
 
 }  // namespace qilsys::search

@@ -1,78 +1,44 @@
 #include "search/SetEdit.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "qilsys/CodePoint.h"
 #include "search/Search.h"
+#include "search/UnitSet.h"
 
 namespace qilsys::search {
+
 namespace {
 
-bool IsSurrogate(TCodeUnit unit) { return (unit & 0xF800) == 0xD800; }
+constexpr TCodeUnit AsciiLimit = 0x80;
 
-bool IsAscii(TCodeUnit unit) { return unit < 0x80; }
-
-std::vector<char32_t> Decode(const TCodeUnit* from, const TCodeUnit* end) {
-  std::vector<char32_t> codePoints;
-  for (int units = 0; from < end; from += units) codePoints.push_back(CodePoint::GetCodePoint(from, &units));
-  return codePoints;
+bool AsksForNothing(const TCodeUnit* text, int length, const TCodeUnit* set, int setLen, int start) {
+  return !text || !set || setLen < 1 || start < 0 || start >= length;
 }
 
-class CodePoints {
- public:
-  CodePoints(const TCodeUnit* from, const TCodeUnit* end) : m_members(Decode(from, end)) {}
-  bool Holds(char32_t c) const { return std::find(m_members.begin(), m_members.end(), c) != m_members.end(); }
-
- private:
-  std::vector<char32_t> m_members;
-};
-
-class AsciiUnits {
- public:
-  AsciiUnits(const TCodeUnit* set, int n) {
-    for (int i = 0; i < n; ++i) m_holds[set[i]] = true;
-  }
-  bool operator()(TCodeUnit c) const { return IsAscii(c) && m_holds[c]; }
-
- private:
-  bool m_holds[128] = {};
-};
-
-class AnyUnits {
- public:
-  AnyUnits(const TCodeUnit* set, int n) : m_members(set, set + n) {}
-  bool operator()(TCodeUnit c) const { return std::find(m_members.begin(), m_members.end(), c) != m_members.end(); }
-
- private:
-  std::vector<TCodeUnit> m_members;
-};
-
-/// Calls `edit` with the test of single units that fits the set and the terminator that goes with it.
-template <class Edit>
-int WithUnitTest(const TCodeUnit* set, int setLen, Edit edit) {
-  if (setLen == 1) return edit([c = *set](TCodeUnit unit) { return unit == c; }, TCodeUnit{0});
-  if (std::all_of(set, set + setLen, IsAscii)) return edit(AsciiUnits(set, setLen), TCodeUnit{0});
-  return edit(AnyUnits(set, setLen), TCodeUnit{u'0'});
+/// Where a set takes effect no more: at the end, by code point at the first NUL.
+int EndOf(const TCodeUnit* text, int length, int start, const UnitSet& set) {
+  return set.isOfUnits() ? length : start + lengthToNul(text + start, length - start);
 }
 
-int FindCodePoint(const TCodeUnit* text, int length, const CodePoints& set, int start) {
-  for (int units = 0; start < length && text[start] != 0; start += units) {
-    if (set.Holds(CodePoint::GetCodePoint(text + start, &units))) return start;
-  }
-  return -1;
+int RemoveUnits(TCodeUnit* text, int length, const UnitSet& set, TCodeUnit terminator, int start) {
+  TCodeUnit* const end =
+      set.withUnitTest([=](const auto& test) { return std::remove_if(text + start, text + length, test); });
+  if (end != text + length) *end = terminator;
+  return static_cast<int>(end - text);
 }
 
-int RemoveCodePoints(TCodeUnit* text, int length, const CodePoints& set, int start) {
-  int match = FindCodePoint(text, length, set, start);
+int RemoveCodePoints(TCodeUnit* text, int length, const UnitSet& set, int start) {
+  const int end = EndOf(text, length, start, set);
+  int match = set.findAnyOf(text, end, start);
   if (match < 0) return length;
   int kept = match;
   while (match >= 0) {
     int units = 0;
     CodePoint::GetCodePoint(text + match, &units);
     const int from = match + units;
-    match = FindCodePoint(text, length, set, from);
-    const int to = match >= 0 ? match : from + search::lengthToNul(text + from, length - from);
+    match = set.findAnyOf(text, end, from);
+    const int to = match >= 0 ? match : end;
     std::copy(text + from, text + to, text + kept);
     kept += to - from;
   }
@@ -80,50 +46,32 @@ int RemoveCodePoints(TCodeUnit* text, int length, const CodePoints& set, int sta
   return kept;
 }
 
-bool AsksForNothing(const TCodeUnit* text, int length, const TCodeUnit* set, int setLen, int start) {
-  return !text || !set || setLen < 1 || start < 0 || start >= length;
-}
-
-}  // namespace
-
-int findRemovable(const TCodeUnit* text, int length, const TCodeUnit* set, int setLen, int start) {
-  if (AsksForNothing(text, length, set, setLen, start)) return -1;
-  if (std::any_of(set, set + setLen, IsSurrogate)) {
-    return FindCodePoint(text, length, CodePoints(set, set + setLen), start);
+/// The ASCII units that a set begins with, each once.
+class AsciiPrefix {
+ public:
+  AsciiPrefix(const TCodeUnit* set, int setLen) {
+    bool isKnown[AsciiLimit] = {};
+    for (; m_length < setLen && set[m_length] < AsciiLimit; ++m_length) {
+      if (!isKnown[set[m_length]]) m_units[m_count++] = set[m_length];
+      isKnown[set[m_length]] = true;
+    }
   }
-  return WithUnitTest(set, setLen, [=](const auto& test, TCodeUnit) {
-    const TCodeUnit* hit = std::find_if(text + start, text + length, test);
-    return hit == text + length ? -1 : static_cast<int>(hit - text);
-  });
-}
-
-int removeSet(TCodeUnit* text, int length, const TCodeUnit* set, int setLen, int start) {
-  if (AsksForNothing(text, length, set, setLen, start)) return length;
-  if (std::any_of(set, set + setLen, IsSurrogate)) {
-    return RemoveCodePoints(text, length, CodePoints(set, set + setLen), start);
+  /// Units of the set that it covers.
+  int Length() const { return m_length; }
+  void ReplaceAll(TCodeUnit* text, TCodeUnit* end, TCodeUnit c) const {
+    for (int i = 0; i < m_count; ++i) std::replace(text, end, m_units[i], c);
   }
-  return WithUnitTest(set, setLen, [=](const auto& test, TCodeUnit terminator) {
-    TCodeUnit* const end = std::remove_if(text + start, text + length, test);
-    if (end != text + length) *end = terminator;
-    return static_cast<int>(end - text);
-  });
-}
 
-int replaceSet(TCodeUnit* text, int length, const TCodeUnit* set, int setLen, TCodeUnit c, int start) {
-  if (AsksForNothing(text, length, set, setLen, start)) return length;
-  // Terminated, since decoding looks one unit ahead.
-  std::vector<TCodeUnit> copy(set, set + setLen);
-  copy.push_back(0);
-  const TCodeUnit* member = copy.data();
-  const TCodeUnit* const end = member + setLen;
-  for (; IsAscii(c) && member != end && IsAscii(*member); ++member) {
-    std::replace(text + start, text + length, *member, c);
-  }
-  if (member == end) return length;
-  const CodePoints rest(member, end);
+ private:
+  TCodeUnit m_units[AsciiLimit];
+  int m_count = 0;
+  int m_length = 0;
+};
+
+int ReplaceCodePoints(TCodeUnit* text, int length, const UnitSet& set, TCodeUnit c, int start) {
   int kept = start;
   for (int from = start, units = 0; from < length && text[from] != 0; from += units) {
-    if (rest.Holds(CodePoint::GetCodePoint(text + from, &units))) {
+    if (set.holds(CodePoint::GetCodePoint(text + from, &units))) {
       text[kept++] = c;
     } else {
       for (int i = 0; i < units; ++i) text[kept++] = text[from + i];
@@ -131,6 +79,32 @@ int replaceSet(TCodeUnit* text, int length, const TCodeUnit* set, int setLen, TC
   }
   text[kept] = 0;
   return kept;
+}
+
+}  // namespace
+
+int findRemovable(const TCodeUnit* text, int length, const TCodeUnit* set, int setLen, int start) {
+  if (AsksForNothing(text, length, set, setLen, start)) return -1;
+  const UnitSet removed = UnitSet::forRemoving(set, setLen);
+  return removed.findAnyOf(text, EndOf(text, length, start, removed), start);
+}
+
+int removeSet(TCodeUnit* text, int length, const TCodeUnit* set, int setLen, int start) {
+  if (AsksForNothing(text, length, set, setLen, start)) return length;
+  const UnitSet removed = UnitSet::forRemoving(set, setLen);
+  if (!removed.isOfUnits()) return RemoveCodePoints(text, length, removed, start);
+  const TCodeUnit terminator = setLen == 1 || isAscii(set, setLen) ? TCodeUnit{0} : TCodeUnit{u'0'};
+  return RemoveUnits(text, length, removed, terminator, start);
+}
+
+int replaceSet(TCodeUnit* text, int length, const TCodeUnit* set, int setLen, TCodeUnit c, int start) {
+  if (AsksForNothing(text, length, set, setLen, start)) return length;
+  // Both parts of the set are taken down before the first unit is written, since the text may hold the set.
+  const AsciiPrefix prefix(set, c < AsciiLimit ? setLen : 0);
+  const UnitSet rest = UnitSet::ofCodePoints(set + prefix.Length(), setLen - prefix.Length());
+  const bool isAll = prefix.Length() == setLen;
+  prefix.ReplaceAll(text + start, text + length, c);
+  return isAll ? length : ReplaceCodePoints(text, length, rest, c, start);
 }
 
 }  // namespace qilsys::search

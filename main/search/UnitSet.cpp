@@ -1,6 +1,5 @@
 #include "search/UnitSet.h"
 
-#include <algorithm>
 #include <iterator>
 
 #include "qilsys/CodePoint.h"
@@ -11,52 +10,67 @@
 namespace qilsys::search {
 namespace {
 
-bool isAscii(const TCodeUnit* set, int setLen) {
-  unsigned all = 0;
-  for (int i = 0; i < setLen; ++i) all |= set[i];
-  return all < 0x80;
-}
+bool isSurrogate(TCodeUnit c) { return (c & 0xF800) == 0xD800; }
 
 // A surrogate, or U+FFFD, which lone surrogates decode to: the units of set and text can't be compared as they are.
-bool needsDecoding(TCodeUnit c) { return (c & 0xF800) == 0xD800 || c == CodePoint::ReplacementCharacter; }
+bool needsDecoding(TCodeUnit c) { return isSurrogate(c) || c == CodePoint::ReplacementCharacter; }
 
 }  // namespace
 
-UnitSet UnitSet::forAnyOf(const TCodeUnit* set, int setLen) {
-  if (set == nullptr || set[0] == 0) return UnitSet(set, 0);
-  const int toNul = units::TerminatedLength(set);
-  return UnitSet(set, isAscii(set, toNul) ? toNul : setLen);
+bool isAscii(const TCodeUnit* units, int n) {
+  unsigned all = 0;
+  for (int i = 0; i < n; ++i) all |= units[i];
+  return all < 0x80;
 }
 
-UnitSet::Kind UnitSet::kindOf(const TCodeUnit* set, int setLen) {
-  if (setLen <= MaxFew && std::none_of(set, set + setLen, needsDecoding)) return Kind::Few;
-  return isAscii(set, setLen) ? Kind::Ascii : Kind::Many;
-}
-
-UnitSet::UnitSet(const TCodeUnit* set, int setLen) : m_kind(kindOf(set, setLen)) {
-  switch (m_kind) {
-    case Kind::Few:
-      std::copy_n(set, setLen, m_few);
-      m_count = setLen;
-      break;
-    case Kind::Ascii:
-      std::fill(std::begin(m_ascii), std::end(m_ascii), false);
-      for (int i = 0; i < setLen; ++i) m_ascii[set[i]] = true;
-      break;
-    case Kind::Many:
-      decode(set, setLen);
-      break;
+UnitSet::UnitSet(Kind kind, const TCodeUnit* set, int setLen, LoneSurrogate lone)
+    : m_kind(kind), m_members(kind == Kind::Units || kind == Kind::CodePoints ? setLen : 0) {
+  if (kind == Kind::Few) {
+    std::copy_n(set, setLen, m_few);
+    m_fewCount = setLen;
+  } else if (kind == Kind::Ascii) {
+    std::fill(std::begin(m_ascii), std::end(m_ascii), false);
+    for (int i = 0; i < setLen; ++i) m_ascii[set[i]] = true;
+  } else if (kind == Kind::Units) {
+    for (int i = 0; i < setLen; ++i) m_members.add(set[i]);
+  } else {
+    int units = 0;
+    for (int i = 0; i < setLen; i += units) {
+      const char32_t codePoint = CodePoint::GetCodePoint(set + i, &units);
+      m_members.add(units == 1 && lone == LoneSurrogate::Kept ? set[i] : codePoint);
+    }
   }
 }
 
-void UnitSet::decode(const TCodeUnit* set, int setLen) {
-  m_many.reserve(static_cast<std::size_t>(setLen));
-  int units = 0;
-  for (int i = 0; i < setLen; i += units) m_many.push_back(CodePoint::GetCodePoint(set + i, &units));
+UnitSet UnitSet::ofDecoded(const TCodeUnit* set, int setLen) {
+  if (setLen <= MaxFew && std::none_of(set, set + setLen, needsDecoding)) return UnitSet(Kind::Few, set, setLen);
+  return UnitSet(isAscii(set, setLen) ? Kind::Ascii : Kind::CodePoints, set, setLen);
 }
 
-bool UnitSet::holds(char32_t codePoint) const {
-  return std::find(m_many.begin(), m_many.end(), codePoint) != m_many.end();
+UnitSet UnitSet::forAnyOf(const TCodeUnit* set, int setLen) {
+  if (set == nullptr || set[0] == 0) return UnitSet(Kind::Few, set, 0);
+  const int toNul = units::TerminatedLength(set);
+  return ofDecoded(set, isAscii(set, toNul) ? toNul : setLen);
+}
+
+UnitSet UnitSet::forNotOf(const TCodeUnit* set, int setLen) { return ofDecoded(set, set != nullptr ? setLen : 0); }
+
+UnitSet UnitSet::forRemoving(const TCodeUnit* set, int setLen) {
+  if (set == nullptr) return UnitSet(Kind::Few, set, 0);
+  if (std::any_of(set, set + setLen, isSurrogate)) return UnitSet(Kind::CodePoints, set, setLen);
+  if (setLen > 1 && isAscii(set, setLen)) return UnitSet(Kind::Ascii, set, setLen);
+  return UnitSet(setLen <= MaxFew ? Kind::Few : Kind::Units, set, setLen);
+}
+
+UnitSet UnitSet::forTrimming(const TCodeUnit* set) {
+  return UnitSet(Kind::CodePoints, set, units::TerminatedLength(set), LoneSurrogate::Kept);
+}
+
+UnitSet UnitSet::ofCodePoints(const TCodeUnit* set, int setLen) { return UnitSet(Kind::CodePoints, set, setLen); }
+
+bool UnitSet::holds(const TCodeUnit* units, int n) const {
+  if (n == 1) return holds(units[0]);
+  return n == 2 && CodePoint::IsHighSurrogate(units[0]) && holds(CodePoint::JoinSurrogates(units[0], units[1]));
 }
 
 int UnitSet::findAnyOf(const TCodeUnit* text, int textLen, int start) const { return find<true>(text, textLen, start); }
@@ -68,23 +82,25 @@ int UnitSet::findNotOf(const TCodeUnit* text, int textLen, int start) const {
 template <bool Wanted>
 int UnitSet::find(const TCodeUnit* text, int textLen, int start) const {
   if (text == nullptr || start < 0 || start >= textLen) return -1;
+  if (m_kind == Kind::CodePoints) return findCodePoint<Wanted>(text, textLen, start);
   if (m_kind == Kind::Few) {
-    if (m_count == 0) return Wanted ? -1 : start;
+    if (m_fewCount == 0) return Wanted ? -1 : start;
     return findFew<Wanted, 1>(text, textLen, start);
   }
-  if (m_kind == Kind::Ascii) return findAscii<Wanted>(text, textLen, start);
+  // No part of a code point outside ASCII is ASCII, so units will do.
+  return withUnitTest([=](const auto& isMember) {
+    for (int at = start; at < textLen; ++at) {
+      if (isMember(text[at]) == Wanted) return at;
+    }
+    return -1;
+  });
+}
+
+template <bool Wanted>
+int UnitSet::findCodePoint(const TCodeUnit* text, int textLen, int start) const {
   int units = 0;
   for (int at = start; at < textLen; at += units) {
     if (holds(CodePoint::GetCodePoint(text + at, &units)) == Wanted) return at;
-  }
-  return -1;
-}
-
-// No part of a code point outside ASCII is ASCII, so units will do.
-template <bool Wanted>
-int UnitSet::findAscii(const TCodeUnit* text, int textLen, int start) const {
-  for (int at = start; at < textLen; ++at) {
-    if ((text[at] < 0x80 && m_ascii[text[at]]) == Wanted) return at;
   }
   return -1;
 }
@@ -93,7 +109,7 @@ int UnitSet::findAscii(const TCodeUnit* text, int textLen, int start) const {
 template <bool Wanted, int N>
 int UnitSet::findFew(const TCodeUnit* text, int textLen, int start) const {
   if constexpr (N < MaxFew) {
-    if (m_count > N) return findFew<Wanted, N + 1>(text, textLen, start);
+    if (m_fewCount > N) return findFew<Wanted, N + 1>(text, textLen, start);
   }
   const units::IsOneOf<units::UnitLanes, N> isMember(text, m_few);
   if constexpr (Wanted) {

@@ -1,18 +1,19 @@
 /// Simple case folding of single units and code points, by ICU's default options.
 ///
 /// ASCII is folded in line. The rest of the 16-bit range comes from a table that the first unit above ASCII fills, so
-/// a program that never folds one never pays for it. All functions are safe from several threads.
+/// a program that never folds one never pays for it. It stands in static storage, so filling it can't fail. All functions
+/// are safe from several threads.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
-#include <vector>
 
 #include "qilsys/TCodeUnit.h"
 
 namespace qilsys::units {
 
-/// The folding of all units. Most blocks of 256 units fold to themselves and share one page of zeros.
+/// The folding of all units. Its memory is zeros until it is filled, and stays so where units fold to themselves: pages
+/// of the system that hold no others are never touched.
 class FoldingTable {
  public:
   /// The units, in ascending order, that fold to one unit: at most `MaxUnits`, else `count` is 0 and they aren't known.
@@ -28,30 +29,22 @@ class FoldingTable {
     return table != nullptr ? *table : build();
   }
 
-  TCodeUnit fold(TCodeUnit c) const {
-    return static_cast<TCodeUnit>(c + m_distances[static_cast<std::size_t>(m_pages[c >> 8] + (c & 0xFF))]);
-  }
+  TCodeUnit fold(TCodeUnit c) const { return static_cast<TCodeUnit>(c + m_toFolded[c]); }
 
   /// What folds to `folded`, itself included; `folded` must be the folding of something.
   Originals originals(TCodeUnit folded) const;
 
  private:
-  struct Change {
-    TCodeUnit folded;
-    TCodeUnit original;
-    auto operator<=>(const Change&) const = default;
-  };
-
   FoldingTable();
-  void addPage(std::uint32_t page);
+  void add(TCodeUnit folded, TCodeUnit original);
   static const FoldingTable& build();
 
-  // Published with release once complete, so that the acquiring reader sees every page.
+  // Published with release once complete, so that the acquiring reader sees all of it.
   static std::atomic<const FoldingTable*> s_instance;
 
-  std::uint16_t m_pages[256] = {};         // where the page of a high byte starts in m_distances
-  std::vector<std::uint16_t> m_distances;  // folded unit minus unit, modulo 2^16
-  std::vector<Change> m_changes;           // ordered
+  // Distances are modulo 2^16. Nothing but the zeros of static storage initialises them.
+  std::uint16_t m_toFolded[0x10000];
+  std::uint16_t m_toNext[0x10000];  // in the ring of the units that fold to the same
 };
 
 /// Folds ASCII letters and leaves every other unit.

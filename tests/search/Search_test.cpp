@@ -103,6 +103,30 @@ TEST(SearchRandom, BackwardSearchAgreesWithTheModel) {
   }
 }
 
+// Long near misses of well-formed text, so that the Two-Way algorithm has to go on; now and then a lone surrogate, so
+// that the walk must.
+TEST(SearchRandom, BackwardSearchThroughNearMissesAgreesWithTheModel) {
+  SeededRandom random;
+  const std::u16string_view letters[] = {u"a", u"A", u"\U00010400", u"\U00010428", u"a", u"a"};
+  for (int round = Rounds(2000); round > 0; --round) {
+    std::u16string units;
+    for (int left = random.Between(0, 600); left > 0; --left) {
+      units += letters[random.OneIn(60) ? random.Between<std::size_t>(0, 5) : 0];
+    }
+    if (random.OneIn(4)) units.insert(units.size() / 2, 1, u'\xDC00');
+    std::u16string sought = units.substr(units.size() / 3, random.Between<std::size_t>(0, 100));
+    if (random.OneIn(2) && !sought.empty()) sought[sought.size() / 2] = u'b';
+    const Exact text(units);
+    const Exact needle(sought);
+    const int from = random.Between(-1, static_cast<int>(units.size()));
+    for (const CaseSensitivity cs : AllSensitivities) {
+      ASSERT_EQ(findLastStr(text, text.length(), needle, needle.length(), from, cs),
+                test::ModelLastIndexOf(units, sought, from, Folds(cs)))
+          << testing::PrintToString(units) << testing::PrintToString(sought) << from << " " << cs;
+    }
+  }
+}
+
 TEST(SearchRandom, CountAgreesWithTheModel) {
   SeededRandom random;
   for (int round = Rounds(10000); round > 0; --round) {
@@ -166,7 +190,7 @@ TEST(SearchRandom, SpansAgreeWithTheModel) {
   }
 }
 
-// Near misses at every place: the search by the ends of the needle hands over to the table.
+// Near misses at every place: the search by the ends of the needle hands over to the Two-Way algorithm.
 TEST(Search, FoldedSearchThroughNearMissesFindsTheFirstMatch) {
   const Text needle = Text(200, 'a') + QILSYS_UNITS("b") + Text(200, 'a');
   Text text(5000, 'A');
@@ -178,7 +202,7 @@ TEST(Search, FoldedSearchThroughNearMissesFindsTheFirstMatch) {
   EXPECT_EQ(findStrCore(text.c_str(), 5000, needle.c_str(), 401, 2801, TStringCore::CaseInsensitive), 4300);
 }
 
-// One of these matches stands at the very place where the table takes over.
+// One of these matches stands at the very place where the other algorithm takes over.
 TEST(Search, FoldedSearchThroughNearMissesFindsAMatchAtAnyPlace) {
   const Text needle = Text(20, 'a') + QILSYS_UNITS("b") + Text(20, 'a');
   for (std::size_t at = 0; at < 500; ++at) {

@@ -37,6 +37,13 @@ TEST(Folding, EveryCodePointFoldsAsByIcu) {
   for (char32_t c = 0; c <= 0x10FFFF; ++c) ASSERT_EQ(foldCodePoint(c), ByIcu(c)) << std::hex << std::uint32_t{c};
 }
 
+// Folded text has the units of the text, one for one.
+TEST(Folding, NoCodePointFoldsToOneOfAnotherLength) {
+  for (char32_t c = 0; c <= 0x10FFFF; ++c) {
+    ASSERT_EQ(foldCodePoint(c) < 0x10000, c < 0x10000) << std::hex << std::uint32_t{c};
+  }
+}
+
 TEST(Folding, ValueAboveTheLastCodePointStands) {
   EXPECT_EQ(foldCodePoint(0x110000), 0x110000U);
   EXPECT_EQ(foldCodePoint(0xFFFFFFFF), 0xFFFFFFFFU);
