@@ -21,8 +21,8 @@ QILSYS_AVX2_PART char* WriteUpToTwo(__m128i units, char* target) {
   const __m128i both = _mm_or_si128(lead, _mm_slli_epi16(last, 8));
   const __m128i lanes = _mm_blendv_epi8(both, units, single);
   const auto singles = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(single, _mm_setzero_si128())));
-  const Gather& gather = GatherOfTwo[singles];
-  Store(target, _mm_shuffle_epi8(lanes, Load(gather.shuffle.data())));
+  const Gather& gather = GatherOfTwo.gathers[singles];
+  Store(target, _mm_shuffle_epi8(lanes, Load(gather.shuffle.bytes)));
   return target + gather.bytes;
 }
 
@@ -41,8 +41,8 @@ QILSYS_AVX2_PART char* WriteUpToThree(__m128i values, char* target) {
   const __m128i lanes = _mm_blendv_epi8(_mm_blendv_epi8(values, ofTwo, two), ofThree, three);
   const auto lengths =
       static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(two)) | _mm_movemask_ps(_mm_castsi128_ps(three)) << 4);
-  const Gather& gather = GatherOfThree[lengths];
-  Store(target, _mm_shuffle_epi8(lanes, Load(gather.shuffle.data())));
+  const Gather& gather = GatherOfThree.gathers[lengths];
+  Store(target, _mm_shuffle_epi8(lanes, Load(gather.shuffle.bytes)));
   return target + gather.bytes;
 }
 

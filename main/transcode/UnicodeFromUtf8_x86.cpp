@@ -168,7 +168,7 @@ QILSYS_AVX2_PART unsigned ConvertWindow(const char* source, std::uint64_t ends, 
     return 16;
   }
   const Spread spread = Spreads.spreads[ends & 0xFFF];
-  const __m128i lanes = _mm_shuffle_epi8(bytes, Load(Spreads.shuffles[spread.shuffle].data()));
+  const __m128i lanes = _mm_shuffle_epi8(bytes, Load(Spreads.shuffles[spread.shuffle].bytes));
   if (spread.shuffle < SpreadTable::FirstOfThreeBytes) {
     Store(target, JoinUpToTwo(lanes));
     target += 6;

@@ -4,20 +4,25 @@
 /// instructions" (2022); the entries are computed here.
 #pragma once
 
-#include <array>
-#include <bit>
-#include <cstddef>
 #include <cstdint>
 
 namespace Unicode {
 
-using Shuffle = std::array<std::uint8_t, 16>;
 constexpr std::uint8_t NoByte = 0x80;  // A shuffle writes zero for it.
+
+// Plain arrays: the tables are made while compiling, and compilers allow that only so many steps and calls.
+struct Shuffle {
+  std::uint8_t bytes[16];
+
+  constexpr void Clear() {
+    for (std::uint8_t& byte : bytes) byte = NoByte;
+  }
+};
 
 /// What to do with the next 12 bytes of UTF-8, by which of them end a code point.
 struct Spread {
-  std::uint8_t shuffle;   // Index into SpreadTable::shuffles; its range tells the kind of lanes.
-  std::uint8_t consumed;  // Bytes.
+  std::uint8_t shuffle = 0;    // Index into SpreadTable::shuffles; its range tells the kind of lanes.
+  std::uint8_t consumed = 12;  // Bytes. No valid text has the ends that keep this; the walk goes on all the same.
 };
 
 /// Six code points of 1 or 2 bytes fill 16-bit lanes; four of 1 to 3 bytes, or three of 1 to 4, fill 32-bit lanes.
@@ -26,67 +31,42 @@ struct SpreadTable {
   static constexpr int FirstOfThreeBytes = 64;
   static constexpr int FirstOfFourBytes = 64 + 81;
   static constexpr int Shuffles = 64 + 81 + 64;
+  static constexpr unsigned Ends = 1U << 12;
 
-  std::array<Spread, 4096> spreads{};
-  std::array<Shuffle, Shuffles> shuffles{};
+  Spread spreads[Ends]{};
+  Shuffle shuffles[Shuffles]{};
 
+  // Where bytes can be taken in two ways, the later one here takes more code points.
   constexpr SpreadTable() {
-    for (unsigned ends = 0; ends < spreads.size(); ++ends) Add(ends);
+    AddShapes(3, 4, FirstOfFourBytes);
+    AddShapes(4, 3, FirstOfThreeBytes);
+    AddShapes(6, 2, 0);
   }
 
  private:
-  /// The lengths of the first code points, at most six.
-  struct Lengths {
-    std::array<std::uint8_t, 6> bytes{};
-    int count = 0;
-
-    constexpr bool StartWith(int wanted, int longest) const {
-      if (count < wanted) return false;
-      for (int i = 0; i < wanted; ++i)
-        if (bytes[static_cast<std::size_t>(i)] > longest) return false;
-      return true;
-    }
-  };
-
-  constexpr void Add(unsigned ends) {
-    Lengths lengths;
-    for (unsigned rest = ends; rest != 0 && lengths.count < 6;) {
-      const int length = std::countr_zero(rest) + 1;
-      lengths.bytes[static_cast<std::size_t>(lengths.count++)] = static_cast<std::uint8_t>(length);
-      rest >>= length;
-    }
-    if (lengths.StartWith(6, 2)) return Store(ends, lengths, 6, 2, 0);
-    if (lengths.StartWith(4, 3)) return Store(ends, lengths, 4, 3, FirstOfThreeBytes);
-    if (lengths.StartWith(3, 4)) return Store(ends, lengths, 3, 4, FirstOfFourBytes);
-    spreads[ends] = {0, 12};  // No valid text has these ends.
+  /// Adds all sequences of `count` lengths from 1 to `longest`.
+  constexpr void AddShapes(int count, int longest, int first) {
+    int shapes = 1;
+    for (int i = 0; i < count; ++i) shapes *= longest;
+    for (int shape = 0; shape < shapes; ++shape) Add(shape, count, longest, first + shape);
   }
 
-  constexpr void Store(unsigned ends, const Lengths& lengths, int count, int longest, int first) {
-    int index = first;
-    int weight = 1;
+  /// The digits of `shape` to the base `longest` are the lengths less 1, the lowest the first code point's.
+  constexpr void Add(int shape, int count, int longest, int index) {
+    const int laneBytes = longest == 2 ? 2 : 4;
+    Shuffle& shuffle = shuffles[index];
+    shuffle.Clear();
+    unsigned ends = 0;
     int consumed = 0;
-    for (int i = 0; i < count; ++i) {
-      const int length = lengths.bytes[static_cast<std::size_t>(i)];
-      index += (length - 1) * weight;
-      weight *= longest;
+    for (int i = 0; i < count; ++i, shape /= longest) {
+      const int length = shape % longest + 1;
       consumed += length;
+      ends |= 1U << (consumed - 1);
+      for (int k = 0; k < length; ++k) shuffle.bytes[i * laneBytes + k] = static_cast<std::uint8_t>(consumed - 1 - k);
     }
-    spreads[ends] = {static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(consumed)};
-    Shuffle& shuffle = shuffles[static_cast<std::size_t>(index)];
-    // All zeros until the first of the ends that share it.
-    if (shuffle[15] == 0) shuffle = MakeShuffle(lengths, count, longest == 2 ? 2 : 4);
-  }
-
-  static constexpr Shuffle MakeShuffle(const Lengths& lengths, int count, int laneBytes) {
-    Shuffle shuffle{};
-    shuffle.fill(NoByte);
-    int source = 0;
-    for (int i = 0; i < count; ++i) {
-      source += lengths.bytes[static_cast<std::size_t>(i)];
-      for (int k = 0; k < lengths.bytes[static_cast<std::size_t>(i)]; ++k)
-        shuffle[static_cast<std::size_t>(i * laneBytes + k)] = static_cast<std::uint8_t>(source - 1 - k);
-    }
-    return shuffle;
+    // Whatever ends behind them.
+    for (; ends < Ends; ends += 1U << consumed)
+      spreads[ends] = {static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(consumed)};
   }
 };
 
@@ -95,34 +75,39 @@ struct Gather {
   Shuffle shuffle{};
   std::uint8_t bytes = 0;
 
-  constexpr void Take(int byte) { shuffle[bytes++] = static_cast<std::uint8_t>(byte); }
+  constexpr void Take(int byte) { shuffle.bytes[bytes++] = static_cast<std::uint8_t>(byte); }
+};
+
+struct GatherTable {
+  static constexpr unsigned Count = 256;
+  Gather gathers[Count]{};
 };
 
 /// Eight 16-bit lanes of 1 or 2 bytes, by the lanes that hold 1.
-constexpr std::array<Gather, 256> MakeGatherOfTwo() {
-  std::array<Gather, 256> table{};
-  for (unsigned singles = 0; singles < table.size(); ++singles) {
-    table[singles].shuffle.fill(NoByte);
+constexpr GatherTable MakeGatherOfTwo() {
+  GatherTable made;
+  for (unsigned singles = 0; singles < GatherTable::Count; ++singles) {
+    made.gathers[singles].shuffle.Clear();
     for (int lane = 0; lane < 8; ++lane) {
-      table[singles].Take(2 * lane);
-      if ((singles >> lane & 1) == 0) table[singles].Take(2 * lane + 1);
+      made.gathers[singles].Take(2 * lane);
+      if ((singles >> lane & 1) == 0) made.gathers[singles].Take(2 * lane + 1);
     }
   }
-  return table;
+  return made;
 }
 
 /// Four 32-bit lanes of 1 to 3 bytes, by the lanes that hold 2 or more (low four bits) and 3 (high four bits).
-constexpr std::array<Gather, 256> MakeGatherOfThree() {
-  std::array<Gather, 256> table{};
-  for (unsigned lengths = 0; lengths < table.size(); ++lengths) {
-    table[lengths].shuffle.fill(NoByte);
+constexpr GatherTable MakeGatherOfThree() {
+  GatherTable made;
+  for (unsigned lengths = 0; lengths < GatherTable::Count; ++lengths) {
+    made.gathers[lengths].shuffle.Clear();
     for (int lane = 0; lane < 4; ++lane) {
-      table[lengths].Take(4 * lane);
-      if (lengths >> lane & 1) table[lengths].Take(4 * lane + 1);
-      if (lengths >> (lane + 4) & 1) table[lengths].Take(4 * lane + 2);
+      made.gathers[lengths].Take(4 * lane);
+      if (lengths >> lane & 1) made.gathers[lengths].Take(4 * lane + 1);
+      if (lengths >> (lane + 4) & 1) made.gathers[lengths].Take(4 * lane + 2);
     }
   }
-  return table;
+  return made;
 }
 
 }  // namespace Unicode
