@@ -1,4 +1,5 @@
-#include "cpu/CpuFeatures_x86.h"
+// Asks by CPUID. The sibling for other processors is CpuFeatures_generic.cpp.
+#include "cpu/CpuFeatures.h"
 
 #if defined(_MSC_VER)
 #include <intrin.h>
@@ -57,12 +58,10 @@ CpuFeatures ReadCpuFeatures() {
   const bool bmi = Bit(extended.ebx, 3);
   const bool ssse3AndSse41 = Bit(basic.ecx, 9) && Bit(basic.ecx, 19);
   const unsigned long long saved = Bit(basic.ecx, 27) ? SavedState() : 0;
-  CpuFeatures features;
-  features.bmi2 = bmi && Bit(extended.ebx, 8);
-  features.sha = ssse3AndSse41 && Bit(extended.ebx, 29);
-  features.avx2 = (saved & YmmState) == YmmState && Bit(extended.ebx, 5);
-  features.avx512vl = (saved & ZmmState) == ZmmState && Bit(extended.ebx, 16) && Bit(extended.ebx, 31);
-  return features;
+  const auto having = [](bool condition, CpuFeatures feature) { return condition ? feature : NoFeatures; };
+  return having(bmi && Bit(extended.ebx, 8), Bmi2) | having(ssse3AndSse41 && Bit(extended.ebx, 29), Sha) |
+         having((saved & YmmState) == YmmState && Bit(extended.ebx, 5), Avx2) |
+         having((saved & ZmmState) == ZmmState && Bit(extended.ebx, 16) && Bit(extended.ebx, 31), Avx512vl);
 }
 
 }  // namespace qilsys::cpu

@@ -6,13 +6,13 @@
 
 #include <algorithm>
 
-#include "hash/Compiler.h"
+#include "cpu/Compiler.h"
 #include "hash/ShaRounds.h"
 
 namespace qilsys::hash {
 
 /// To be compiled for AVX2 at least. Where the caller has AVX-512VL, compilers make rotations of the pairs of shifts.
-#define QILSYS_WITH_QUAD QILSYS_WITH_INSTRUCTIONS("avx2,bmi,bmi2")
+#define QILSYS_WITH_QUAD QILSYS_TARGET("avx2,bmi,bmi2")
 
 struct Sha512Quad {
   using Words = ShaRounds::Words512;
@@ -34,17 +34,17 @@ struct Sha512Quad {
   static constexpr size_t SumsAt = 2 * Lanes;
   static constexpr size_t RowWords = 3 * Lanes;
 
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER __m256i Load(const void* source) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE __m256i Load(const void* source) {
     return _mm256_loadu_si256(static_cast<const __m256i*>(source));
   }
 
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Put(uint64_t* row, __m256i words) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE void Put(uint64_t* row, __m256i words) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(row), words);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(row + SumsAt), _mm256_add_epi64(words, Load(row + ConstantsAt)));
   }
 
   /// Makes four rows of the first sixteen from the bytes of four blocks.
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Begin(uint64_t* row, const unsigned char* bytes) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE void Begin(uint64_t* row, const unsigned char* bytes) {
     const __m256i swap =
         _mm256_set_epi64x(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
     const __m256i a = _mm256_shuffle_epi8(Load(bytes), swap);
@@ -60,7 +60,7 @@ struct Sha512Quad {
   }
 
   template <int Bits>
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER __m256i Turn(__m256i x) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE __m256i Turn(__m256i x) {
     if constexpr (Bits == 8) {
       // By whole bytes it is one operation everywhere.
       const __m256i bytes =
@@ -73,12 +73,12 @@ struct Sha512Quad {
 
   /// A sigma of the standard: two rotations and a shift.
   template <int First, int Second, int Shift>
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER __m256i Sigma(__m256i x) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE __m256i Sigma(__m256i x) {
     return _mm256_xor_si256(_mm256_xor_si256(Turn<First>(x), Turn<Second>(x)), _mm256_srli_epi64(x, Shift));
   }
 
   /// Makes any later row from those before.
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Extend(uint64_t* row) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE void Extend(uint64_t* row) {
     const __m256i plain = _mm256_add_epi64(Load(row - 16 * RowWords), Load(row - 7 * RowWords));
     const __m256i early = _mm256_add_epi64(plain, Sigma<1, 8, 7>(Load(row - 15 * RowWords)));
     Put(row, _mm256_add_epi64(early, Sigma<19, 61, 6>(Load(row - 2 * RowWords))));
@@ -86,8 +86,8 @@ struct Sha512Quad {
 
   /// Sixteen rounds of one block, `sums` being those of its lane in the first row, while four more rows are made.
   template <bool Extends>
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Rounds(ShaRounds::Values<Words>& v, const uint64_t* sums,
-                                                            uint64_t* next) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE void Rounds(ShaRounds::Values<Words>& v, const uint64_t* sums,
+                                                           uint64_t* next) {
     QILSYS_UNROLL(16)
     for (size_t i = 0; i < 16; ++i) {
       ShaRounds::Round<Words>(v, i, sums[i * RowWords]);
@@ -96,8 +96,8 @@ struct Sha512Quad {
   }
 
   /// Feeds four blocks whose schedule is made, and makes that of the next four in between.
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER void Feed(uint64_t* state, const Schedule& now, Schedule& next,
-                                                          const unsigned char* nextBlocks) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE void Feed(uint64_t* state, const Schedule& now, Schedule& next,
+                                                         const unsigned char* nextBlocks) {
     for (size_t lane = 0, k = 0; lane < Lanes; ++lane) {
       ShaRounds::Values<Words> v(state);
       for (size_t base = 0; base < Words::Rounds; base += 16, k += 4) {
@@ -117,8 +117,8 @@ struct Sha512Quad {
   /// Feeds the blocks by fours and returns how many are left over. `FeedFour` is a form of `Feed` that stays apart: in a
   /// function with vectors in its frame the compiler has one register less.
   template <auto FeedFour>
-  static QILSYS_WITH_QUAD QILSYS_PART_OF_CALLER size_t Transform(uint64_t* state, const unsigned char*& blocks,
-                                                                 size_t count) {
+  static QILSYS_WITH_QUAD QILSYS_ALWAYS_INLINE size_t Transform(uint64_t* state, const unsigned char*& blocks,
+                                                                size_t count) {
     if (count < Lanes) return count;
     Schedule schedules[2];
     uint64_t* row = schedules[0].rows;

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-#include "hash/Compiler.h"
+#include "cpu/Compiler.h"
 #include "hash/ReadWord.h"
 #include "qilsys/sha2.h"
 
@@ -76,12 +76,12 @@ struct ShaRounds {
     // The second value xor the third, which the round before had as the first xor the second.
     typename Words::Word differing;
 
-    QILSYS_PART_OF_CALLER explicit Values(const typename Words::Word* state) {
+    QILSYS_ALWAYS_INLINE explicit Values(const typename Words::Word* state) {
       std::memcpy(v, state, sizeof(v));
       differing = v[1] ^ v[2];
     }
 
-    QILSYS_PART_OF_CALLER void AddTo(typename Words::Word* state) const {
+    QILSYS_ALWAYS_INLINE void AddTo(typename Words::Word* state) const {
       for (size_t i = 0; i < 8; ++i) state[i] += v[i];
     }
   };
@@ -93,7 +93,7 @@ struct ShaRounds {
   /// which the new a then is given back as the new e less d; and Maj(a, b, c) is the sum of b & c, which the round
   /// before could know, and a & (b ^ c), which has no bit in common with it.
   template <class Words>
-  static QILSYS_PART_OF_CALLER void Round(Values<Words>& values, size_t round, typename Words::Word input) {
+  static QILSYS_ALWAYS_INLINE void Round(Values<Words>& values, size_t round, typename Words::Word input) {
     const auto at = [&](size_t i) -> typename Words::Word& { return values.v[(i - round) & 7]; };
     auto e = at(7) + input + at(3);
     auto a = (at(1) & at(2)) - at(3);
@@ -108,13 +108,13 @@ struct ShaRounds {
 
   /// Turns the word of sixteen rounds ago into the word of this round.
   template <class Words>
-  static QILSYS_PART_OF_CALLER void Extend(typename Words::Word* w, size_t round) {
+  static QILSYS_ALWAYS_INLINE void Extend(typename Words::Word* w, size_t round) {
     const auto at = [&](size_t i) -> typename Words::Word& { return w[(round + i) & 15]; };
     at(0) += Words::sigma0(at(1)) + at(9) + Words::sigma1(at(14));
   }
 
   template <class Words>
-  static QILSYS_PART_OF_CALLER void Transform(typename Words::Word* state, const unsigned char* blocks, size_t count) {
+  static QILSYS_ALWAYS_INLINE void Transform(typename Words::Word* state, const unsigned char* blocks, size_t count) {
     using Word = typename Words::Word;
     for (; count > 0; --count, blocks += BlockWords * sizeof(Word)) {
       Word w[BlockWords];
@@ -144,7 +144,7 @@ struct ShaRounds {
   }
 
   template <size_t Group>
-  static QILSYS_PART_OF_CALLER void Sha1Group(uint32_t* v, uint32_t* w) {
+  static QILSYS_ALWAYS_INLINE void Sha1Group(uint32_t* v, uint32_t* w) {
     QILSYS_UNROLL(20)
     for (size_t i = 0; i < 20; ++i) {
       const size_t round = Group * 20 + i;
@@ -159,7 +159,7 @@ struct ShaRounds {
     }
   }
 
-  static QILSYS_PART_OF_CALLER void Sha1Transform(uint32_t* state, const unsigned char* blocks, size_t count) {
+  static QILSYS_ALWAYS_INLINE void Sha1Transform(uint32_t* state, const unsigned char* blocks, size_t count) {
     for (; count > 0; --count, blocks += BlockWords * sizeof(uint32_t)) {
       uint32_t w[BlockWords];
       uint32_t v[5];

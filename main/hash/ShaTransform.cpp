@@ -1,5 +1,6 @@
 #include "hash/ShaTransform.h"
 
+#include "cpu/RunnableForms.h"
 #include "hash/ShaRounds.h"
 #include "hash/ShaTransform_cpu.h"
 
@@ -19,28 +20,21 @@ void Sha512Portable(uint64_t* state, const unsigned char* blocks, size_t count) 
   ShaRounds::Transform<ShaRounds::Words512>(state, blocks, count);
 }
 
-constexpr size_t MaxSets = 1 + MaxCpuShaTransforms;
+constexpr ShaTransforms Portable = {"portable", cpu::NoFeatures, Sha1Portable, Sha256Portable, Sha512Portable};
+
+using Forms = cpu::RunnableForms<ShaTransforms, 1 + MaxCpuShaTransforms>;
 
 /// What this machine can run, found once.
-struct Available {
-  Available() : m_sets{{"portable", Sha1Portable, Sha256Portable, Sha512Portable}} {
-    m_count = 1 + AddCpuShaTransforms(m_sets[0], &m_sets[1]);
-  }
-
-  ShaTransforms m_sets[MaxSets];
-  size_t m_count;
-};
-
-const Available& Found() {
-  static const Available s_available;
-  return s_available;
+const Forms& Found() {
+  static const Forms s_forms(std::span(&Portable, 1), CpuShaTransforms());
+  return s_forms;
 }
 
 const ShaTransforms* g_chosen = nullptr;
 
 }  // namespace
 
-std::span<const ShaTransforms> AvailableShaTransforms() { return {Found().m_sets, Found().m_count}; }
+std::span<const ShaTransforms> AvailableShaTransforms() { return Found().All(); }
 
 const ShaTransforms& ActiveShaTransforms() { return g_chosen != nullptr ? *g_chosen : AvailableShaTransforms().back(); }
 

@@ -2,22 +2,21 @@
 // ShaTransform_generic.cpp.
 #include "hash/ShaTransform_cpu.h"
 
-#include <immintrin.h>
-
 #include <utility>
 
-#include "cpu/CpuFeatures_x86.h"
+#include "cpu/CpuFeatures.h"
+#include "cpu/Vectors_x86.h"
 #include "hash/Sha512Quad_x86.h"
 #include "hash/ShaRounds.h"
 
-#define QILSYS_WITH_SHA QILSYS_WITH_INSTRUCTIONS("sha,sse4.1,ssse3")
+#define QILSYS_WITH_SHA QILSYS_TARGET("sha,sse4.1,ssse3")
 
 namespace qilsys::hash {
 
 namespace {
 
-__m128i Load(const void* source) { return _mm_loadu_si128(static_cast<const __m128i*>(source)); }
-void Store(void* target, __m128i value) { _mm_storeu_si128(static_cast<__m128i*>(target), value); }
+using cpu::Load;
+using cpu::Store;
 
 // SHA-256. The instructions want the eight values in two registers as (a b e f) and (c d g h), high word first, and do
 // two rounds at a time.
@@ -27,13 +26,13 @@ struct Pair256 {
   __m128i cdgh;
 };
 
-QILSYS_WITH_SHA QILSYS_PART_OF_CALLER Pair256 Load256(const uint32_t* state) {
+QILSYS_WITH_SHA QILSYS_ALWAYS_INLINE Pair256 Load256(const uint32_t* state) {
   const __m128i cdab = _mm_shuffle_epi32(Load(state), 0xB1);
   const __m128i efgh = _mm_shuffle_epi32(Load(state + 4), 0x1B);
   return {_mm_alignr_epi8(cdab, efgh, 8), _mm_blend_epi16(efgh, cdab, 0xF0)};
 }
 
-QILSYS_WITH_SHA QILSYS_PART_OF_CALLER void Store256(uint32_t* state, Pair256 v) {
+QILSYS_WITH_SHA QILSYS_ALWAYS_INLINE void Store256(uint32_t* state, Pair256 v) {
   const __m128i feba = _mm_shuffle_epi32(v.abef, 0x1B);
   const __m128i dchg = _mm_shuffle_epi32(v.cdgh, 0xB1);
   Store(state, _mm_blend_epi16(feba, dchg, 0xF0));
@@ -42,7 +41,7 @@ QILSYS_WITH_SHA QILSYS_PART_OF_CALLER void Store256(uint32_t* state, Pair256 v) 
 
 /// Four rounds. `w` is a ring of the last sixteen words, four a register.
 template <size_t Group>
-QILSYS_WITH_SHA QILSYS_PART_OF_CALLER void Rounds256(Pair256& v, __m128i* w) {
+QILSYS_WITH_SHA QILSYS_ALWAYS_INLINE void Rounds256(Pair256& v, __m128i* w) {
   __m128i& now = w[Group % 4];
   if constexpr (Group >= 4) {
     const __m128i before = w[(Group + 3) % 4];
@@ -55,7 +54,7 @@ QILSYS_WITH_SHA QILSYS_PART_OF_CALLER void Rounds256(Pair256& v, __m128i* w) {
 }
 
 template <size_t... Groups>
-QILSYS_WITH_SHA QILSYS_PART_OF_CALLER void AllRounds256(Pair256& v, __m128i* w, std::index_sequence<Groups...>) {
+QILSYS_WITH_SHA QILSYS_ALWAYS_INLINE void AllRounds256(Pair256& v, __m128i* w, std::index_sequence<Groups...>) {
   (Rounds256<Groups>(v, w), ...);
 }
 
@@ -78,7 +77,7 @@ QILSYS_WITH_SHA void Sha256Extension(uint32_t* state, const unsigned char* block
 
 /// Four rounds. `e` holds (a b c d) of four rounds ago, of which the next e is made.
 template <size_t Group>
-QILSYS_WITH_SHA QILSYS_PART_OF_CALLER void Rounds1(__m128i& abcd, __m128i& e, __m128i* w) {
+QILSYS_WITH_SHA QILSYS_ALWAYS_INLINE void Rounds1(__m128i& abcd, __m128i& e, __m128i* w) {
   __m128i& now = w[Group % 4];
   if constexpr (Group >= 4) {
     const __m128i part = _mm_xor_si128(_mm_sha1msg1_epu32(now, w[(Group + 1) % 4]), w[(Group + 2) % 4]);
@@ -90,8 +89,8 @@ QILSYS_WITH_SHA QILSYS_PART_OF_CALLER void Rounds1(__m128i& abcd, __m128i& e, __
 }
 
 template <size_t... Groups>
-QILSYS_WITH_SHA QILSYS_PART_OF_CALLER void AllRounds1(__m128i& abcd, __m128i& e, __m128i* w,
-                                                      std::index_sequence<Groups...>) {
+QILSYS_WITH_SHA QILSYS_ALWAYS_INLINE void AllRounds1(__m128i& abcd, __m128i& e, __m128i* w,
+                                                     std::index_sequence<Groups...>) {
   (Rounds1<Groups>(abcd, e, w), ...);
 }
 
@@ -114,59 +113,58 @@ QILSYS_WITH_SHA void Sha1Extension(uint32_t* state, const unsigned char* blocks,
 
 // BMI2.
 
-QILSYS_WITH_INSTRUCTIONS("bmi,bmi2")
+QILSYS_TARGET("bmi,bmi2")
 void Sha1Bmi2(uint32_t* state, const unsigned char* blocks, size_t count) {
   ShaRounds::Sha1Transform(state, blocks, count);
 }
 
-QILSYS_WITH_INSTRUCTIONS("bmi,bmi2")
+QILSYS_TARGET("bmi,bmi2")
 void Sha256Bmi2(uint32_t* state, const unsigned char* blocks, size_t count) {
   ShaRounds::Transform<ShaRounds::Words256>(state, blocks, count);
 }
 
-QILSYS_WITH_INSTRUCTIONS("bmi,bmi2")
+QILSYS_TARGET("bmi,bmi2")
 void Sha512Bmi2(uint64_t* state, const unsigned char* blocks, size_t count) {
   ShaRounds::Transform<ShaRounds::Words512>(state, blocks, count);
 }
 
 // Four schedules at a time.
 
-QILSYS_WITH_INSTRUCTIONS("avx2,bmi,bmi2")
-QILSYS_APART void FeedFourAvx2(uint64_t* state, const Sha512Quad::Schedule& now, Sha512Quad::Schedule& next,
-                               const unsigned char* nextBlocks) {
+QILSYS_TARGET("avx2,bmi,bmi2")
+QILSYS_NOINLINE void FeedFourAvx2(uint64_t* state, const Sha512Quad::Schedule& now, Sha512Quad::Schedule& next,
+                                  const unsigned char* nextBlocks) {
   Sha512Quad::Feed(state, now, next, nextBlocks);
 }
 
-QILSYS_WITH_INSTRUCTIONS("avx2,bmi,bmi2")
+QILSYS_TARGET("avx2,bmi,bmi2")
 void Sha512Avx2(uint64_t* state, const unsigned char* blocks, size_t count) {
   const size_t left = Sha512Quad::Transform<FeedFourAvx2>(state, blocks, count);
   ShaRounds::Transform<ShaRounds::Words512>(state, blocks, left);
 }
 
-QILSYS_WITH_INSTRUCTIONS("avx512vl,avx2,bmi,bmi2")
-QILSYS_APART void FeedFourAvx512(uint64_t* state, const Sha512Quad::Schedule& now, Sha512Quad::Schedule& next,
-                                 const unsigned char* nextBlocks) {
+QILSYS_TARGET("avx512vl,avx2,bmi,bmi2")
+QILSYS_NOINLINE void FeedFourAvx512(uint64_t* state, const Sha512Quad::Schedule& now, Sha512Quad::Schedule& next,
+                                    const unsigned char* nextBlocks) {
   Sha512Quad::Feed(state, now, next, nextBlocks);
 }
 
-QILSYS_WITH_INSTRUCTIONS("avx512vl,avx2,bmi,bmi2")
+QILSYS_TARGET("avx512vl,avx2,bmi,bmi2")
 void Sha512Avx512(uint64_t* state, const unsigned char* blocks, size_t count) {
   const size_t left = Sha512Quad::Transform<FeedFourAvx512>(state, blocks, count);
   ShaRounds::Transform<ShaRounds::Words512>(state, blocks, left);
 }
 
+constexpr cpu::CpuFeatures BmiAndAvx2 = cpu::Bmi2 | cpu::Avx2;
+
+constexpr ShaTransforms Forms[] = {
+    {"bmi2", cpu::Bmi2, Sha1Bmi2, Sha256Bmi2, Sha512Bmi2},
+    {"avx2", BmiAndAvx2, Sha1Bmi2, Sha256Bmi2, Sha512Avx2},
+    {"avx512", BmiAndAvx2 | cpu::Avx512vl, Sha1Bmi2, Sha256Bmi2, Sha512Avx512},
+    {"sha", cpu::Sha, Sha1Extension, Sha256Extension, nullptr},
+};
+
 }  // namespace
 
-size_t AddCpuShaTransforms(const ShaTransforms& portable, ShaTransforms* sets) {
-  const cpu::CpuFeatures features = cpu::ReadCpuFeatures();
-  ShaTransforms best = portable;
-  size_t count = 0;
-  if (features.bmi2) sets[count++] = best = {"bmi2", Sha1Bmi2, Sha256Bmi2, Sha512Bmi2};
-  if (features.bmi2 && features.avx2) sets[count++] = best = {"avx2", Sha1Bmi2, Sha256Bmi2, Sha512Avx2};
-  if (features.bmi2 && features.avx2 && features.avx512vl)
-    sets[count++] = best = {"avx512", Sha1Bmi2, Sha256Bmi2, Sha512Avx512};
-  if (features.sha) sets[count++] = best = {"sha", Sha1Extension, Sha256Extension, best.sha512};
-  return count;
-}
+std::span<const ShaTransforms> CpuShaTransforms() { return Forms; }
 
 }  // namespace qilsys::hash

@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstring>
 
-#include "hash/Compiler.h"
+#include "cpu/Compiler.h"
 #include "hash/ReadWord.h"
 
 namespace qilsys::hash {

@@ -7,6 +7,7 @@
 #include "qilsys/CodePoint.h"
 #include "search/Effort.h"
 #include "search/TwoWay.h"
+#include "units/Utf.h"
 
 namespace qilsys::search {
 namespace {
@@ -43,16 +44,17 @@ struct Backward {
 struct FoldedBackward {
   TCodeUnit operator[](int i) const {
     const TCodeUnit* unit = text + (end - 1 - i);
-    if (CodePoint::IsHighSurrogate(*unit)) return highSurrogate(units::foldCodePoint(CodePoint::GetCodePoint(unit)));
-    if (CodePoint::IsLowSurrogate(*unit)) return lowSurrogate(units::foldCodePoint(CodePoint::GetCodePoint(unit - 1)));
+    if (CodePoint::IsHighSurrogate(*unit))
+      return toUnit(units::HighSurrogateOf(units::foldCodePoint(CodePoint::GetCodePoint(unit))));
+    if (CodePoint::IsLowSurrogate(*unit))
+      return toUnit(units::LowSurrogateOf(units::foldCodePoint(CodePoint::GetCodePoint(unit - 1))));
     return units::foldCodeUnit(*unit);
   }
   const TCodeUnit* text;
   int end;
 
  private:
-  static TCodeUnit highSurrogate(char32_t c) { return static_cast<TCodeUnit>(0xD7C0 + (c >> 10)); }
-  static TCodeUnit lowSurrogate(char32_t c) { return static_cast<TCodeUnit>(0xDC00 + (c & 0x3FF)); }
+  static TCodeUnit toUnit(char32_t surrogate) { return static_cast<TCodeUnit>(surrogate); }
 };
 
 template <class Reader>
@@ -69,7 +71,7 @@ int findLastByTwoWay(const TCodeUnit* text, int end, const TCodeUnit* needle, in
 
 bool isWellFormed(const TCodeUnit* s, int len) {
   for (int i = 0; i < len; ++i) {
-    if ((s[i] & 0xF800) != 0xD800) continue;
+    if (!units::IsSurrogate(s[i])) continue;
     if (!CodePoint::IsHighSurrogate(s[i]) || i + 1 == len || !CodePoint::IsLowSurrogate(s[i + 1])) return false;
     ++i;
   }

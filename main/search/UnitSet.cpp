@@ -6,14 +6,13 @@
 #include "search/Search.h"
 #include "units/TextLength.h"
 #include "units/UnitScan.h"
+#include "units/Utf.h"
 
 namespace qilsys::search {
 namespace {
 
-bool isSurrogate(TCodeUnit c) { return (c & 0xF800) == 0xD800; }
-
 // A surrogate, or U+FFFD, which lone surrogates decode to: the units of set and text can't be compared as they are.
-bool needsDecoding(TCodeUnit c) { return isSurrogate(c) || c == CodePoint::ReplacementCharacter; }
+bool needsDecoding(TCodeUnit c) { return units::IsSurrogate(c) || c == CodePoint::ReplacementCharacter; }
 
 }  // namespace
 
@@ -57,7 +56,7 @@ UnitSet UnitSet::forNotOf(const TCodeUnit* set, int setLen) { return ofDecoded(s
 
 UnitSet UnitSet::forRemoving(const TCodeUnit* set, int setLen) {
   if (set == nullptr) return UnitSet(Kind::Few, set, 0);
-  if (std::any_of(set, set + setLen, isSurrogate)) return UnitSet(Kind::CodePoints, set, setLen);
+  if (std::any_of(set, set + setLen, units::IsSurrogate)) return UnitSet(Kind::CodePoints, set, setLen);
   if (setLen > 1 && isAscii(set, setLen)) return UnitSet(Kind::Ascii, set, setLen);
   return UnitSet(setLen <= MaxFew ? Kind::Few : Kind::Units, set, setLen);
 }

@@ -68,8 +68,9 @@ TStringCore unixToDos(const TCodeUnit* text, size_t length) {
 template <qilsys::ForeignUnit U>
 TStringCore unixToDos(const U* text, size_t length) {
   if (length > INT_MAX) throw TStringCore::CapacityException();
-  return WithUnits(text, static_cast<int>(length),
-                   [](const TCodeUnit* units, int n) { return unixToDos(units, static_cast<size_t>(n)); });
+  return qilsys::transcode::WithUnits(text, static_cast<int>(length), [](const TCodeUnit* units, int n) {
+    return unixToDos(units, static_cast<size_t>(n));
+  });
 }
 
 template QILSYS_API TStringCore unixToDos(const TForeignUnit*, size_t);

@@ -4,8 +4,9 @@
 #include <type_traits>
 
 #include "qilsys/CodePoint.h"
+#include "units/Utf.h"
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 namespace {
 
@@ -65,51 +66,21 @@ char32_t Decode(Utf8Cursor& cursor) {
 /// False where the units do not fit.
 bool Write(char32_t codePoint, TCodeUnit*& target, const TCodeUnit* end) {
   if (end - target < CodePoint::CountCodeUnits(codePoint)) return false;
-  if (codePoint < 0x10000) {
-    *target++ = static_cast<TCodeUnit>(codePoint);
-    return true;
-  }
-  *target++ = static_cast<TCodeUnit>(0xD7C0 + (codePoint >> 10));
-  *target++ = static_cast<TCodeUnit>(0xDC00 + (codePoint & 0x3FF));
+  target = units::WriteUtf16(codePoint, target);
   return true;
-}
-
-int BytesOf(char32_t codePoint) {
-  if (codePoint < 0x80) return 1;
-  if (codePoint < 0x800) return 2;
-  return codePoint < 0x10000 ? 3 : 4;
 }
 
 /// False where the bytes do not fit.
 bool Write(char32_t codePoint, char*& target, const char* end) {
-  const int bytes = BytesOf(codePoint);
-  if (end - target < bytes) return false;
-  const auto tail = [=](int shift) { return static_cast<char>(0x80 | (codePoint >> shift & 0x3F)); };
-  switch (bytes) {
-    case 1:
-      *target++ = static_cast<char>(codePoint);
-      return true;
-    case 2:
-      *target++ = static_cast<char>(0xC0 | codePoint >> 6);
-      break;
-    case 3:
-      *target++ = static_cast<char>(0xE0 | codePoint >> 12);
-      *target++ = tail(6);
-      break;
-    default:
-      *target++ = static_cast<char>(0xF0 | codePoint >> 18);
-      *target++ = tail(12);
-      *target++ = tail(6);
-      break;
-  }
-  *target++ = tail(0);
+  if (end - target < units::Utf8Length(codePoint)) return false;
+  target = units::WriteUtf8(codePoint, target);
   return true;
 }
 
 /// The code point at `source`, U+FFFD for a lone surrogate; nothing at `end` or behind is read.
 char32_t Read(const TCodeUnit*& source, const TCodeUnit* end) {
   const TCodeUnit unit = *source++;
-  if ((unit & 0xF800) != 0xD800) return unit;
+  if (!units::IsSurrogate(unit)) return unit;
   if (!CodePoint::IsHighSurrogate(unit) || source == end || !CodePoint::IsLowSurrogate(*source))
     return CodePoint::ReplacementCharacter;
   return CodePoint::JoinSurrogates(unit, *source++);
@@ -173,4 +144,4 @@ Progress ConvertUtf16(const TCodeUnit* source, int length, char* target, int cap
   return Convert(source, length, target, capacity, kernel.takesAll, kernel.fromUtf16, StepUtf16);
 }
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

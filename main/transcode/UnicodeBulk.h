@@ -4,7 +4,7 @@
 #include "qilsys/TCodeUnit.h"
 #include "transcode/UnicodeKernel.h"
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 /// Converts from the start while whole code points fit, and stops between two of them: at the end, where the next one
 /// does not fit, and where ICU is faster. What ICU makes of the rest, put behind what was written, is what it makes of
@@ -18,4 +18,4 @@ Progress ConvertUtf16(const TCodeUnit* source, int length, char* target, int cap
 /// of INT_MAX bytes is possible.
 void WriteMeasuredUtf8(const TCodeUnit* source, int length, char* target, int bytes);
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

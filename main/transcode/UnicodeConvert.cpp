@@ -19,6 +19,9 @@ namespace Unicode {
 
 namespace {
 
+using namespace qilsys::transcode;
+namespace units = qilsys::units;
+
 constexpr UChar32 Substitute = CodePoint::ReplacementCharacter;
 
 struct Outcome {
@@ -67,12 +70,12 @@ Outcome RunUtf16ToUtf8(const TCodeUnit* source, int length, char* target, int ca
 /// are too short for that are not counted.
 void RequireCountable(const TCodeUnit* source, int length) {
   if (length > INT_MAX / 3 && BestKernel().countUtf8(source, static_cast<size_t>(length)) > INT_MAX) {
-    qilsys::units::ThrowCapacity();
+    units::ThrowCapacity();
   }
 }
 void RequireCountable(const char32_t* source, int length) {
   // The measure is clipped; a target for exactly so many could not be terminated.
-  if (length > INT_MAX / 2 && MeasureUtf32ToUtf16(source, length) == INT_MAX) qilsys::units::ThrowCapacity();
+  if (length > INT_MAX / 2 && MeasureUtf32ToUtf16(source, length) == INT_MAX) units::ThrowCapacity();
 }
 
 /// ICU's answer to a null target.
@@ -84,7 +87,7 @@ Outcome PreflightUtf16ToUtf8(const TCodeUnit* source, int length) {
     return outcome;
   }
   const std::int64_t bytes = BestKernel().countUtf8(source, static_cast<size_t>(length));
-  if (bytes > INT_MAX) qilsys::units::ThrowCapacity();
+  if (bytes > INT_MAX) units::ThrowCapacity();
   outcome.length = static_cast<int32_t>(bytes);
   outcome.status = U_BUFFER_OVERFLOW_ERROR;
   return outcome;
@@ -112,7 +115,7 @@ UErrorCode TargetStatus(int length, int capacity) {
 
 int StoreTerminated(const TCodeUnit* text, int textLength, TForeignUnit* target, int capacity, const char* function,
                     const char* interface) {
-  const int length = qilsys::units::StoreElements(text, textLength, target, capacity);
+  const int length = units::StoreElements(text, textLength, target, capacity);
   RequireSuccess(TargetStatus(length, capacity), function, interface);
   target[length] = 0;
   return length;
@@ -148,13 +151,6 @@ int Utf16ToUtf8(const TCodeUnit* source, int length, char* target, int capacity)
   return outcome.length;
 }
 
-void WriteMeasuredUtf8(const TCodeUnit* source, int length, char* target, int bytes) {
-  const Outcome outcome = RunUtf16ToUtf8(source, length, target, bytes);
-  if (outcome.status != U_STRING_NOT_TERMINATED_WARNING) {
-    RequireSuccess(outcome.status, "Unicode::Utf16ToUtf8", "t_u_strToUTF8WithSub");
-  }
-}
-
 int Utf16ToUtf32(const TCodeUnit* source, int length, char32_t* target, int capacity) {
   RequireText(source, length, "Unicode::Utf16ToUtf32");
   if (!target)
@@ -165,16 +161,16 @@ int Utf16ToUtf32(const TCodeUnit* source, int length, char32_t* target, int capa
 }
 
 int Utf8ToUtf16(const char* source, TCodeUnit* target, int capacity) {
-  return Utf8ToUtf16(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf8ToUtf16(source, units::TerminatedLength(source), target, capacity);
 }
 int Utf32ToUtf16(const char32_t* source, TCodeUnit* target, int capacity) {
-  return Utf32ToUtf16(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf32ToUtf16(source, units::TerminatedLength(source), target, capacity);
 }
 int Utf16ToUtf8(const TCodeUnit* source, char* target, int capacity) {
-  return Utf16ToUtf8(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf16ToUtf8(source, units::TerminatedLength(source), target, capacity);
 }
 int Utf16ToUtf32(const TCodeUnit* source, char32_t* target, int capacity) {
-  return Utf16ToUtf32(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf16ToUtf32(source, units::TerminatedLength(source), target, capacity);
 }
 
 template <qilsys::ForeignUnit U>
@@ -182,7 +178,7 @@ int Utf8ToUtf16(const char* source, int length, U* target, int capacity) {
   RequireText(source, length, "Unicode::Utf8ToUtf16");
   if (!target) return sizeof(U) == 2 ? MeasureUtf8ToUtf16(source, length) : MeasureUtf8ToUtf32(source, length);
   const size_t room = static_cast<size_t>(length) + 1;  // no byte becomes more than one unit
-  const qilsys::units::UnitBuffer units(room);
+  const units::UnitBuffer units(room);
   const Outcome outcome =
       RunUtf8ToUtf16(source, length, units.data(), static_cast<int>(std::min<size_t>(room, INT_MAX)));
   RequireSuccess(outcome.status, "Unicode::Utf8ToUtf16", "t_u_strFromUTF8WithSub");
@@ -191,21 +187,21 @@ int Utf8ToUtf16(const char* source, int length, U* target, int capacity) {
 }
 template <qilsys::ForeignUnit U>
 int Utf8ToUtf16(const char* source, U* target, int capacity) {
-  return Utf8ToUtf16(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf8ToUtf16(source, units::TerminatedLength(source), target, capacity);
 }
 template <qilsys::ForeignUnit U>
 int Utf32ToUtf16(const char32_t* source, int length, U* target, int capacity) {
   RequireText(source, length, "Unicode::Utf32ToUtf16");
   if (!target) return sizeof(U) == 2 ? MeasureUtf32ToUtf16(source, length) : length;
   const int room = MeasureUtf32ToUtf16(source, length);
-  if (room >= qilsys::units::LengthLimit) qilsys::units::ThrowCapacity();
-  const qilsys::units::UnitBuffer units(static_cast<size_t>(room) + 1);
+  if (room >= units::LengthLimit) units::ThrowCapacity();
+  const units::UnitBuffer units(static_cast<size_t>(room) + 1);
   const int written = Utf32ToUtf16(source, length, units.data(), room + 1);
   return StoreTerminated(units.data(), written, target, capacity, "Unicode::Utf32ToUtf16", "u_strFromUTF32WithSub");
 }
 template <qilsys::ForeignUnit U>
 int Utf32ToUtf16(const char32_t* source, U* target, int capacity) {
-  return Utf32ToUtf16(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf32ToUtf16(source, units::TerminatedLength(source), target, capacity);
 }
 template <qilsys::ForeignUnit U>
 int Utf16ToUtf8(const U* source, int length, char* target, int capacity) {
@@ -214,7 +210,7 @@ int Utf16ToUtf8(const U* source, int length, char* target, int capacity) {
 }
 template <qilsys::ForeignUnit U>
 int Utf16ToUtf8(const U* source, char* target, int capacity) {
-  return Utf16ToUtf8(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf16ToUtf8(source, units::TerminatedLength(source), target, capacity);
 }
 template <qilsys::ForeignUnit U>
 int Utf16ToUtf32(const U* source, int length, char32_t* target, int capacity) {
@@ -223,7 +219,7 @@ int Utf16ToUtf32(const U* source, int length, char32_t* target, int capacity) {
 }
 template <qilsys::ForeignUnit U>
 int Utf16ToUtf32(const U* source, char32_t* target, int capacity) {
-  return Utf16ToUtf32(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf16ToUtf32(source, units::TerminatedLength(source), target, capacity);
 }
 
 template QILSYS_API int Utf8ToUtf16(const char*, int, TForeignUnit*, int);
@@ -236,3 +232,14 @@ template QILSYS_API int Utf16ToUtf32(const TForeignUnit*, int, char32_t*, int);
 template QILSYS_API int Utf16ToUtf32(const TForeignUnit*, char32_t*, int);
 
 }  // namespace Unicode
+
+namespace qilsys::transcode {
+
+void WriteMeasuredUtf8(const TCodeUnit* source, int length, char* target, int bytes) {
+  const Unicode::Outcome outcome = Unicode::RunUtf16ToUtf8(source, length, target, bytes);
+  if (outcome.status != U_STRING_NOT_TERMINATED_WARNING) {
+    RequireSuccess(outcome.status, "Unicode::Utf16ToUtf8", "t_u_strToUTF8WithSub");
+  }
+}
+
+}  // namespace qilsys::transcode

@@ -4,11 +4,11 @@
 
 #include "units/TextLimits.h"
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 namespace {
 
-[[noreturn]] void Throw(const std::string& text) { qilsys::units::ThrowTextFailure(text.c_str()); }
+[[noreturn]] void Throw(const std::string& text) { units::ThrowTextFailure(text.c_str()); }
 
 }  // namespace
 
@@ -33,4 +33,4 @@ void ThrowSourceLeft(const char* function) {
   Throw(std::string("Error unable to process the entire source string in function ") + function);
 }
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

@@ -1,7 +1,7 @@
 /// The precondition checks of the functions of namespace Unicode, and what they raise.
 #pragma once
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 /// Raises unless `source` is there and `length` is not negative. `function` is the full name that the text shows.
 void RequireSource(const void* source, const char* function);
@@ -17,4 +17,4 @@ void RequireSuccess(int status, const char* function, const char* interface);
 [[noreturn]] void ThrowTargetTooSmall(int capacity, const char* function);
 [[noreturn]] void ThrowSourceLeft(const char* function);
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

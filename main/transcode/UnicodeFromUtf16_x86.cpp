@@ -5,8 +5,9 @@
 #include "qilsys/CodePoint.h"
 #include "transcode/UnicodeKernel_x86.h"
 #include "transcode/UnicodeTables_x86.h"
+#include "units/Utf.h"
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 namespace {
 
@@ -50,30 +51,19 @@ QILSYS_AVX2_PART bool AllZero(__m128i units, int mask) {
   return _mm_testz_si128(units, _mm_set1_epi16(static_cast<short>(mask))) != 0;
 }
 
-template <int Continuation>
-constexpr std::uint32_t LeadMark = 0xF0U << (3 - Continuation) & 0xFF;
-
-template <int Continuation>
-char* WriteSequence(std::uint32_t codePoint, char* target) {
-  *target++ = static_cast<char>(LeadMark<Continuation> | codePoint >> 6 * Continuation);
-  for (int left = Continuation - 1; left >= 0; --left)
-    *target++ = static_cast<char>(0x80 | (codePoint >> 6 * left & 0x3F));
-  return target;
-}
-
 /// Eight units with surrogates among them, and a ninth that belongs to the last one; null if a surrogate is alone.
-char* WriteWithPairs(const TCodeUnit* units, char* target, size_t& taken) {
+char* WriteWithPairs(const TCodeUnit* source, char* target, size_t& taken) {
   size_t i = 0;
   while (i < 8) {
-    const std::uint32_t unit = units[i++];
+    const std::uint32_t unit = source[i++];
     if (unit < 0x80) {
       *target++ = static_cast<char>(unit);
     } else if (unit < 0x800) {
-      target = WriteSequence<1>(unit, target);
-    } else if ((unit & 0xF800) != 0xD800) {
-      target = WriteSequence<2>(unit, target);
-    } else if (CodePoint::IsHighSurrogate(unit) && CodePoint::IsLowSurrogate(units[i])) {
-      target = WriteSequence<3>(CodePoint::JoinSurrogates(unit, units[i++]), target);
+      target = units::WriteUtf8<2>(unit, target);
+    } else if (!units::IsSurrogate(unit)) {
+      target = units::WriteUtf8<3>(unit, target);
+    } else if (CodePoint::IsHighSurrogate(unit) && CodePoint::IsLowSurrogate(source[i])) {
+      target = units::WriteUtf8<4>(CodePoint::JoinSurrogates(unit, source[i++]), target);
     } else {
       return nullptr;
     }
@@ -122,4 +112,4 @@ QILSYS_AVX2 Progress FromUtf16Avx2(const TCodeUnit* source, size_t length, char*
   return {static_cast<size_t>(source - begin), static_cast<size_t>(target - targetBegin)};
 }
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

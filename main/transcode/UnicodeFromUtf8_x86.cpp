@@ -6,8 +6,9 @@
 #include "transcode/UnicodeKernel_x86.h"
 
 #include "transcode/UnicodeTables_x86.h"
+#include "units/Utf.h"
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 namespace {
 
@@ -148,8 +149,8 @@ QILSYS_AVX2_PART TCodeUnit* WriteUpToFour(__m128i lanes, TCodeUnit* target) {
       continue;
     }
     const std::uint32_t codePoint = low | (v & 0x3F0000) >> 4 | (v & 0x07000000) >> 6;
-    *target++ = static_cast<TCodeUnit>(0xD7C0 + (codePoint >> 10));
-    *target++ = static_cast<TCodeUnit>(0xDC00 + (codePoint & 0x3FF));
+    *target++ = static_cast<TCodeUnit>(units::HighSurrogateOf(codePoint));
+    *target++ = static_cast<TCodeUnit>(units::LowSurrogateOf(codePoint));
   }
   return target;
 }
@@ -214,4 +215,4 @@ QILSYS_AVX2 Progress FromUtf8Avx2(const char* source, size_t length, TCodeUnit* 
   return {static_cast<size_t>(source - begin), static_cast<size_t>(target - targetBegin)};
 }
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

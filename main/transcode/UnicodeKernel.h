@@ -9,9 +9,10 @@
 #include <cstdint>
 #include <span>
 
+#include "cpu/CpuFeatures.h"
 #include "qilsys/TCodeUnit.h"
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 struct Progress {
   size_t consumed = 0;
@@ -20,6 +21,7 @@ struct Progress {
 
 struct Kernel {
   const char* name;
+  cpu::CpuFeatures needs;
   /// False if it stops at the first text that is not ASCII.
   bool takesAll;
   Progress (*fromUtf8)(const char* source, size_t length, TCodeUnit* target, size_t room);
@@ -36,4 +38,4 @@ inline const Kernel& BestKernel() {
   return s_best;
 }
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

@@ -4,9 +4,9 @@
 
 #include <cstring>
 
-#include "qilsys/CodePoint.h"
+#include "units/Utf.h"
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 namespace {
 
@@ -36,19 +36,12 @@ Progress FromUtf16(const TCodeUnit* source, size_t length, char* target, size_t 
   return {done, done};
 }
 
-std::int64_t CountUtf8(const TCodeUnit* source, size_t length) {
-  std::int64_t bytes = 0;
-  for (size_t i = 0; i < length; ++i) {
-    bytes += 1 + (source[i] >= 0x80) + (source[i] >= 0x800);
-    if (i > 0 && CodePoint::IsLowSurrogate(source[i]) && CodePoint::IsHighSurrogate(source[i - 1])) bytes -= 2;
-  }
-  return bytes;
-}
+std::int64_t CountUtf8(const TCodeUnit* source, size_t length) { return units::CountUtf8(source, 0, length); }
 
-constexpr Kernel Portable[] = {{"Portable", false, FromUtf8, FromUtf16, CountUtf8}};
+constexpr Kernel Portable[] = {{"Portable", cpu::NoFeatures, false, FromUtf8, FromUtf16, CountUtf8}};
 
 }  // namespace
 
 std::span<const Kernel> Kernels() { return Portable; }
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

@@ -2,10 +2,12 @@
 
 #include "transcode/UnicodeKernel_x86.h"
 
-#include "cpu/CpuFeatures_x86.h"
-#include "qilsys/CodePoint.h"
+#include <iterator>
 
-namespace Unicode {
+#include "cpu/RunnableForms.h"
+#include "units/Utf.h"
+
+namespace qilsys::transcode {
 
 namespace {
 
@@ -56,15 +58,6 @@ __m128i IsSurrogate(__m128i units, int kind) {
                          _mm_set1_epi16(static_cast<short>(kind)));
 }
 
-std::int64_t CountUtf8Tail(const TCodeUnit* source, size_t from, size_t length) {
-  std::int64_t bytes = 0;
-  for (size_t i = from; i < length; ++i) {
-    bytes += 1 + (source[i] >= 0x80) + (source[i] >= 0x800);
-    if (i > 0 && CodePoint::IsLowSurrogate(source[i]) && CodePoint::IsHighSurrogate(source[i - 1])) bytes -= 2;
-  }
-  return bytes;
-}
-
 /// The sum of eight signed lanes, each small.
 std::int64_t Sum(__m128i lanes) {
   const __m128i pairs = _mm_madd_epi16(lanes, _mm_set1_epi16(1));
@@ -77,7 +70,7 @@ std::int64_t Sum(__m128i lanes) {
 /// since a low surrogate is judged with the unit before it.
 std::int64_t CountUtf8(const TCodeUnit* source, size_t length) {
   constexpr size_t MostBlocks = 4096;  // A lane grows by 2 a block and must stay within 16 bits.
-  std::int64_t bytes = CountUtf8Tail(source, 0, length < 1 ? length : 1);
+  std::int64_t bytes = units::CountUtf8(source, 0, length < 1 ? length : 1);
   size_t i = 1;
   while (i + 8 <= length) {
     __m128i more = _mm_setzero_si128();
@@ -90,7 +83,7 @@ std::int64_t CountUtf8(const TCodeUnit* source, size_t length) {
     }
     bytes += static_cast<std::int64_t>(i - begin) + Sum(more);
   }
-  return bytes + CountUtf8Tail(source, i, length);
+  return bytes + units::CountUtf8(source, i, length);
 }
 
 /// The wide form, and what ASCII follows where too little is left for it.
@@ -102,12 +95,17 @@ Progress WideThenAscii(const S* source, size_t length, T* target, size_t room) {
   return {wide.consumed + ascii.consumed, wide.written + ascii.written};
 }
 
-constexpr Kernel All[] = {{"Sse2", false, AsciiFromUtf8, AsciiFromUtf16, CountUtf8},
-                          {"Avx2", true, WideThenAscii<FromUtf8Avx2, AsciiFromUtf8>,
-                           WideThenAscii<FromUtf16Avx2, AsciiFromUtf16>, CountUtf8}};
+constexpr Kernel Forms[] = {
+    {"Sse2", cpu::NoFeatures, false, AsciiFromUtf8, AsciiFromUtf16, CountUtf8},
+    {"Avx2", cpu::Avx2, true, WideThenAscii<FromUtf8Avx2, AsciiFromUtf8>, WideThenAscii<FromUtf16Avx2, AsciiFromUtf16>,
+     CountUtf8},
+};
 
 }  // namespace
 
-std::span<const Kernel> Kernels() { return std::span(All).first(qilsys::cpu::ReadCpuFeatures().avx2 ? 2 : 1); }
+std::span<const Kernel> Kernels() {
+  static const cpu::RunnableForms<Kernel, std::size(Forms)> s_forms{Forms};
+  return s_forms.All();
+}
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

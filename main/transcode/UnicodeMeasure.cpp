@@ -7,10 +7,14 @@
 #include "transcode/UnicodeFailure.h"
 #include "transcode/UnicodeWide.h"
 #include "units/TextLength.h"
+#include "units/Utf.h"
 
 namespace Unicode {
 
 namespace {
+
+using namespace qilsys::transcode;
+namespace units = qilsys::units;
 
 /// A length that no buffer of `int` elements could have shows as the greatest.
 int Clip(std::int64_t length) { return length < INT_MAX ? static_cast<int>(length) : INT_MAX; }
@@ -42,11 +46,8 @@ int WalkSequences(const char* source, int length, Count count) {
   return Clip(total);
 }
 
-int BytesOf(char32_t value) {
-  if (value < 0x80) return 1;
-  if (value < 0x800) return 2;
-  return value < 0x10000 || value > 0x10FFFF ? 3 : 4;
-}
+/// As U+FFFD where the value is too large.
+int BytesOf(char32_t value) { return value > 0x10FFFF ? 3 : units::Utf8Length(value); }
 
 template <class Count>
 int SumOver(const char32_t* source, int length, Count count) {
@@ -101,24 +102,14 @@ int MeasureUtf16ToUtf32(const TCodeUnit* source, int length) {
   return Utf16ToUtf32(source, length, nullptr, 0);
 }
 
-int MeasureUtf8ToUtf8(const char* source) { return MeasureUtf8ToUtf8(source, qilsys::units::TerminatedLength(source)); }
-int MeasureUtf8ToUtf16(const char* source) {
-  return MeasureUtf8ToUtf16(source, qilsys::units::TerminatedLength(source));
-}
-int MeasureUtf8ToUtf32(const char* source) {
-  return MeasureUtf8ToUtf32(source, qilsys::units::TerminatedLength(source));
-}
-int MeasureUtf32ToUtf8(const char32_t* source) {
-  return MeasureUtf32ToUtf8(source, qilsys::units::TerminatedLength(source));
-}
-int MeasureUtf32ToUtf16(const char32_t* source) {
-  return MeasureUtf32ToUtf16(source, qilsys::units::TerminatedLength(source));
-}
-int MeasureUtf16ToUtf8(const TCodeUnit* source) {
-  return MeasureUtf16ToUtf8(source, qilsys::units::TerminatedLength(source));
-}
+int MeasureUtf8ToUtf8(const char* source) { return MeasureUtf8ToUtf8(source, units::TerminatedLength(source)); }
+int MeasureUtf8ToUtf16(const char* source) { return MeasureUtf8ToUtf16(source, units::TerminatedLength(source)); }
+int MeasureUtf8ToUtf32(const char* source) { return MeasureUtf8ToUtf32(source, units::TerminatedLength(source)); }
+int MeasureUtf32ToUtf8(const char32_t* source) { return MeasureUtf32ToUtf8(source, units::TerminatedLength(source)); }
+int MeasureUtf32ToUtf16(const char32_t* source) { return MeasureUtf32ToUtf16(source, units::TerminatedLength(source)); }
+int MeasureUtf16ToUtf8(const TCodeUnit* source) { return MeasureUtf16ToUtf8(source, units::TerminatedLength(source)); }
 int MeasureUtf16ToUtf32(const TCodeUnit* source) {
-  return MeasureUtf16ToUtf32(source, qilsys::units::TerminatedLength(source));
+  return MeasureUtf16ToUtf32(source, units::TerminatedLength(source));
 }
 
 template <qilsys::ForeignUnit U>
@@ -127,7 +118,7 @@ int MeasureUtf16ToUtf8(const U* source, int length) {
 }
 template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf8(const U* source) {
-  return MeasureUtf16ToUtf8(source, qilsys::units::TerminatedLength(source));
+  return MeasureUtf16ToUtf8(source, units::TerminatedLength(source));
 }
 template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf32(const U* source, int length) {
@@ -135,7 +126,7 @@ int MeasureUtf16ToUtf32(const U* source, int length) {
 }
 template <qilsys::ForeignUnit U>
 int MeasureUtf16ToUtf32(const U* source) {
-  return MeasureUtf16ToUtf32(source, qilsys::units::TerminatedLength(source));
+  return MeasureUtf16ToUtf32(source, units::TerminatedLength(source));
 }
 
 template QILSYS_API int MeasureUtf16ToUtf8(const TForeignUnit*, int);

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 constexpr std::uint8_t NoByte = 0x80;  // A shuffle writes zero for it.
 
@@ -110,4 +110,4 @@ constexpr GatherTable MakeGatherOfThree() {
   return made;
 }
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

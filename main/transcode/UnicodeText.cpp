@@ -13,6 +13,9 @@ namespace Unicode {
 
 namespace {
 
+using namespace qilsys::transcode;
+namespace units = qilsys::units;
+
 /// The code point at `p` with `left` units of text from there: a high surrogate that ends the text is alone, and what
 /// lies behind the text is not read.
 template <qilsys::TextUnit U>
@@ -43,7 +46,7 @@ int CountCodePoints(const U* text, int start, int end) {
 template <qilsys::TextUnit U>
 int SizeInUnits(const U* text, int length, int start, int codePoints) {
   if (codePoints == 0 || start < 0 || !text) return 0;
-  if (codePoints < 0) return qilsys::units::TerminatedLength(text + start);
+  if (codePoints < 0) return units::TerminatedLength(text + start);
   int index = start;
   for (int left = codePoints; left > 0 && index < length; --left) {
     int units = 0;
@@ -56,7 +59,7 @@ int SizeInUnits(const U* text, int length, int start, int codePoints) {
 template <qilsys::TextUnit S, qilsys::TextUnit T>
 int ValidateCopy(const S* source, int length, T* target, int capacity) {
   if (!source) return 0;
-  if (length < 0) length = qilsys::units::TerminatedLength(source);
+  if (length < 0) length = units::TerminatedLength(source);
   if (!target) return length;
   if (static_cast<const void*>(source) == static_cast<const void*>(target) || capacity < 1) return 0;
   int written = 0;
@@ -84,7 +87,7 @@ size_t CopyArray(const S* source, size_t length, T* target, size_t capacity) {
 bool ShowsNothing(const TCodeUnit* text, size_t length) { return length == 0 || !text || *text == 0; }
 
 int ToLength(size_t length) {
-  if (length >= static_cast<size_t>(qilsys::units::LengthLimit)) qilsys::units::ThrowCapacity();
+  if (length >= static_cast<size_t>(units::LengthLimit)) units::ThrowCapacity();
   return static_cast<int>(length);
 }
 
@@ -94,7 +97,7 @@ std::basic_string<W> WideText(const TCodeUnit* text, size_t length) {
   if constexpr (qilsys::ForeignUnit<W>) {
     const int units = ToLength(length);
     std::basic_string<W> result(length, W{});
-    result.resize(static_cast<size_t>(qilsys::units::StoreElements(text, units, result.data(), units)));
+    result.resize(static_cast<size_t>(units::StoreElements(text, units, result.data(), units)));
     return result;
   } else {
     return {text, length};

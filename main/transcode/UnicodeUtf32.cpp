@@ -7,28 +7,14 @@
 
 #include "transcode/UnicodeFailure.h"
 #include "units/TextLength.h"
+#include "units/Utf.h"
 
 namespace Unicode {
 
 namespace {
 
-int ContinuationBytes(char32_t value) {
-  if (value < 0x80) return 0;
-  if (value < 0x800) return 1;
-  return value < 0x10000 ? 2 : 3;
-}
-
-char* WriteBytes(char32_t value, int continuation, char* target) {
-  if (continuation == 0) {
-    *target++ = static_cast<char>(value);
-    return target;
-  }
-  const auto leadMark = static_cast<unsigned char>(0xF0 << (3 - continuation));
-  *target++ = static_cast<char>(leadMark | value >> (6 * continuation));
-  for (int left = continuation - 1; left >= 0; --left)
-    *target++ = static_cast<char>(0x80 | (value >> (6 * left) & 0x3F));
-  return target;
-}
+using namespace qilsys::transcode;
+namespace units = qilsys::units;
 
 /// Reads a sequence and returns the bytes consumed, all that `left` counts where the sequence is cut by the end.
 int ReadSequence(const char* source, int left, char32_t& value) {
@@ -56,9 +42,8 @@ int Utf32ToUtf8(const char32_t* source, int length, char* target, int capacity) 
   int consumed = 0;
   for (; consumed < length; ++consumed) {
     const char32_t value = source[consumed] < 0x110000 ? source[consumed] : CodePoint::ReplacementCharacter;
-    const int continuation = ContinuationBytes(value);
-    if (end - target + continuation >= limit) break;
-    end = WriteBytes(value, continuation, end);
+    if (end - target + units::Utf8Length(value) > limit) break;
+    end = units::WriteUtf8(value, end);
   }
   if (consumed < length) ThrowTargetTooSmall(capacity, "Unicode::Utf32ToUtf8");
   if (capacity > 0) *end = 0;
@@ -79,10 +64,10 @@ int Utf8ToUtf32(const char* source, int length, char32_t* target, int capacity) 
 }
 
 int Utf32ToUtf8(const char32_t* source, char* target, int capacity) {
-  return Utf32ToUtf8(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf32ToUtf8(source, units::TerminatedLength(source), target, capacity);
 }
 int Utf8ToUtf32(const char* source, char32_t* target, int capacity) {
-  return Utf8ToUtf32(source, qilsys::units::TerminatedLength(source), target, capacity);
+  return Utf8ToUtf32(source, units::TerminatedLength(source), target, capacity);
 }
 
 }  // namespace Unicode

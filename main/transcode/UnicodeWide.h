@@ -3,7 +3,7 @@
 
 #include "qilsys/TForeignText.h"
 
-namespace Unicode {
+namespace qilsys::transcode {
 
 /// Calls `f` with the units of `source` and their number. A negative length is no text to convert, but still has to
 /// reach the test that raises for it.
@@ -15,4 +15,4 @@ auto WithUnits(const TForeignUnit* source, int length, F f) {
   return f(text.data(), text.length());
 }
 
-}  // namespace Unicode
+}  // namespace qilsys::transcode

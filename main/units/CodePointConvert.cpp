@@ -4,9 +4,13 @@
 
 #include <cstdint>
 
+#include "units/Utf.h"
+
 namespace CodePoint {
 
 namespace {
+
+using namespace qilsys::units;
 
 /// True if `extra` elements after the one at `position` fit; in 64 bits, so that no sum wraps.
 bool HasRoomBehind(int position, int extra, int capacity) { return std::int64_t{position} + extra < capacity; }
@@ -24,28 +28,15 @@ bool WriteUnits(char32_t codePoint, T* target, int& position, int capacity) {
     return true;
   }
   if (!HasRoomBehind(position, 1, capacity)) return false;
-  target[position++] = static_cast<T>(0xD7C0 + (codePoint >> 10));
-  target[position++] = static_cast<T>(0xDC00 + (codePoint & 0x3FF));
+  position = static_cast<int>(WriteUtf16(codePoint, target + position) - target);
   return true;
 }
 
-constexpr int ContinuationBytes(char32_t codePoint) {
-  if (codePoint < 0x80) return 0;
-  if (codePoint < 0x800) return 1;
-  return codePoint < 0x10000 ? 2 : 3;
-}
-
 bool WriteBytes(char32_t codePoint, char* target, int& position, int capacity) {
-  const int continuation = ContinuationBytes(codePoint);
-  if (continuation == 0) {
-    target[position++] = static_cast<char>(codePoint);
-    return true;
-  }
-  if (!HasRoomBehind(position, continuation, capacity)) return false;
-  const auto leadMark = static_cast<unsigned char>(0xF0 << (3 - continuation));
-  target[position++] = static_cast<char>(leadMark | codePoint >> (6 * continuation));
-  for (int left = continuation - 1; left >= 0; --left)
-    target[position++] = static_cast<char>(0x80 | (codePoint >> (6 * left) & 0x3F));
+  const int bytes = Utf8Length(codePoint);
+  if (bytes > 1 && !HasRoomBehind(position, bytes - 1, capacity)) return false;
+  WriteUtf8(codePoint, target + position);
+  position += bytes;
   return true;
 }
 

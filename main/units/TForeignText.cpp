@@ -7,6 +7,7 @@
 #include "units/ForeignElements.h"
 #include "units/TextLength.h"
 #include "units/TextLimits.h"
+#include "units/Utf.h"
 
 namespace qilsys {
 namespace {
@@ -19,12 +20,6 @@ char32_t ValueOf(TForeignUnit element) {
 }
 
 int UnitsOf(TForeignUnit element) { return IsWide ? CodePoint::CountCodeUnits(ValueOf(element)) : 1; }
-
-TCodeUnit* Write(char32_t codePoint, TCodeUnit* target) {
-  int position = 0;
-  CodePoint::Utf32ToUtf16(&codePoint, target, position, 2);
-  return target + position;
-}
 
 /// In 64 bits: every element may take two units.
 long long CountUnits(const TForeignUnit* s, int elements) {
@@ -47,7 +42,7 @@ TForeignText::TForeignText(const TForeignUnit* s, int len) : m_source(s), m_leng
 }
 
 TForeignText::TForeignText(TForeignUnit c) noexcept : m_units(m_inline), m_source(nullptr), m_elements(1) {
-  TCodeUnit* end = Write(ValueOf(c), m_inline);
+  TCodeUnit* end = qilsys::units::WriteUtf16(ValueOf(c), m_inline);
   *end = 0;
   m_length = static_cast<int>(end - m_inline);
 }
@@ -65,7 +60,7 @@ void TForeignText::Convert(const TForeignUnit* s) {
   TCodeUnit* target = Reserve(units + 1);
   m_units = target;
   m_length = static_cast<int>(units);
-  for (int i = 0; i < m_elements; ++i) target = Write(ValueOf(s[i]), target);
+  for (int i = 0; i < m_elements; ++i) target = qilsys::units::WriteUtf16(ValueOf(s[i]), target);
   *target = 0;
 }
 

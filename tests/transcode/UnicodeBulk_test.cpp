@@ -90,11 +90,11 @@ bool SameFromUtf16(const Units& source, int capacity) {
 }
 
 /// What one kernel makes of a text, with the rest that it leaves; true if it is the start of ICU's result.
-bool KernelAgrees(const Unicode::Kernel& kernel, const std::string& source) {
+bool KernelAgrees(const qilsys::transcode::Kernel& kernel, const std::string& source) {
   Units wanted(source.size() + Margin, UnitMark);
   Units got = wanted;
-  const auto done = Unicode::ConvertUtf8(source.data(), static_cast<int>(source.size()), got.data(),
-                                         static_cast<int>(source.size()), kernel);
+  const auto done = qilsys::transcode::ConvertUtf8(source.data(), static_cast<int>(source.size()), got.data(),
+                                                   static_cast<int>(source.size()), kernel);
   int32_t length = 0;
   UErrorCode status = U_ZERO_ERROR;
   u_strFromUTF8WithSub(reinterpret_cast<UChar*>(wanted.data()), static_cast<int32_t>(source.size()), &length,
@@ -108,12 +108,12 @@ bool KernelAgrees(const Unicode::Kernel& kernel, const std::string& source) {
   return false;
 }
 
-bool KernelAgrees(const Unicode::Kernel& kernel, const Units& source) {
+bool KernelAgrees(const qilsys::transcode::Kernel& kernel, const Units& source) {
   const size_t room = source.size() * 3;
   std::string wanted(room + Margin, ByteMark);
   std::string got = wanted;
-  const auto done =
-      Unicode::ConvertUtf16(source.data(), static_cast<int>(source.size()), got.data(), static_cast<int>(room), kernel);
+  const auto done = qilsys::transcode::ConvertUtf16(source.data(), static_cast<int>(source.size()), got.data(),
+                                                    static_cast<int>(room), kernel);
   int32_t length = 0;
   UErrorCode status = U_ZERO_ERROR;
   u_strToUTF8WithSub(wanted.data(), static_cast<int32_t>(room), &length, reinterpret_cast<const UChar*>(source.data()),
@@ -153,7 +153,7 @@ TEST(UnicodeOracle, EveryScalarValueBothWays) {
 }
 
 TEST(UnicodeOracle, EveryScalarValueInBulk) {
-  for (const Unicode::Kernel& kernel : Unicode::Kernels()) {
+  for (const qilsys::transcode::Kernel& kernel : qilsys::transcode::Kernels()) {
     SCOPED_TRACE(kernel.name);
     for (UChar32 first = 0; first <= 0x10FFFF; first += 251) {
       std::string bytes;
@@ -202,7 +202,8 @@ TEST(UnicodeOracle, FourBytesOfEveryKindInBulk) {
     std::string piece;
     for (size_t rest = value, i = 0; i < 4; ++i, rest /= count) piece += static_cast<char>(kinds[rest % count]);
     const std::string source = Around(piece, Offsets[value % std::size(Offsets)]);
-    for (const Unicode::Kernel& kernel : Unicode::Kernels()) ASSERT_TRUE(KernelAgrees(kernel, source));
+    for (const qilsys::transcode::Kernel& kernel : qilsys::transcode::Kernels())
+      ASSERT_TRUE(KernelAgrees(kernel, source));
   }
 }
 
@@ -217,7 +218,8 @@ TEST(UnicodeOracle, SurrogatesAtEveryOffset) {
         ASSERT_TRUE(SameFromUtf16(source, static_cast<int>(source.size() * 3 + 1)));
         source.resize(160, filler);
         ASSERT_TRUE(SameFromUtf16(source, static_cast<int>(source.size() * 3 + 1)));
-        for (const Unicode::Kernel& kernel : Unicode::Kernels()) ASSERT_TRUE(KernelAgrees(kernel, source));
+        for (const qilsys::transcode::Kernel& kernel : qilsys::transcode::Kernels())
+          ASSERT_TRUE(KernelAgrees(kernel, source));
       }
     }
   }
@@ -302,7 +304,7 @@ TEST(UnicodeOracle, DamagedTextsInEveryKernel) {
   for (int round = Rounds(100000); round > 0; --round) {
     const std::string bytes = RandomUtf8(random, RandomLength(random));
     const Units units = RandomUtf16(random, RandomLength(random));
-    for (const Unicode::Kernel& kernel : Unicode::Kernels()) {
+    for (const qilsys::transcode::Kernel& kernel : qilsys::transcode::Kernels()) {
       ASSERT_TRUE(KernelAgrees(kernel, bytes));
       ASSERT_TRUE(KernelAgrees(kernel, units));
     }
@@ -311,7 +313,7 @@ TEST(UnicodeOracle, DamagedTextsInEveryKernel) {
 
 TEST(UnicodeOracle, CountsBeyondTheRangeOfALane) {
   const Units units(300001, u'\u20AC');
-  for (const Unicode::Kernel& kernel : Unicode::Kernels())
+  for (const qilsys::transcode::Kernel& kernel : qilsys::transcode::Kernels())
     EXPECT_EQ(kernel.countUtf8(units.data(), units.size()), 900003) << kernel.name;
 }
 
