@@ -5,6 +5,7 @@
 
 #include "qilsys/TCodePointIterator.h"
 #include "search/Search.h"
+#include "string/Matches.h"
 
 namespace search = qilsys::search;
 
@@ -44,13 +45,14 @@ TStringCore& TStringCore::removeAll(const TCodeUnit* s, int len, CaseSensitivity
   if (len < 0) len = length(s);
   if (inSelf(s)) return removeAll(TStringCore(s, len), cs);
   const int before = length();
-  int match = search::findStrCore(constData(), before, s, len, 0, cs);
+  const qilsys::string::Matches matches(s, len, cs);
+  int match = matches.Next(constData(), before, 0);
   if (match < 0) return *this;
   TCodeUnit* units = data();
   int kept = match;
   while (match >= 0) {
     const int from = match + len;
-    match = search::findStrCore(units, before, s, len, from, cs);
+    match = matches.Next(units, before, from);
     const int to = match < 0 ? before : match;
     std::copy(units + from, units + to, units + kept);
     kept += to - from;

@@ -1,13 +1,14 @@
 #include "qilsys/TStringCore.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "qilsys/TCodePointIterator.h"
 #include "search/Search.h"
+#include "string/Matches.h"
 #include "string/StringSum.h"
 
 namespace search = qilsys::search;
+using qilsys::string::Matches;
 
 TStringCore& TStringCore::replace(int pos, int n, const TCodeUnit* s, int len) {
   if (pos < 0 || pos > length() || n < 0 || (!s && len != 0)) return *this;
@@ -17,10 +18,16 @@ TStringCore& TStringCore::replace(int pos, int n, const TCodeUnit* s, int len) {
   if (!s) return toEnd ? truncate(pos) : removeAt(pos, n);
   if (n == 0 && !toEnd) return insert(pos, s, len);
   if (!inSelf(s)) return replaceRange(pos, n, s, len < 0 ? length(s) : len);
-  // Own text is copied first. Like any own text that is appended, it runs to the end of the text and not to a NUL.
-  const int rest = static_cast<int>(constData() + length() - s);
-  if (len < 0) len = toEnd ? rest : length(s);
-  const TStringCore copy(s, std::min(len, rest));
+  const int at = static_cast<int>(s - constData());
+  if (toEnd && at <= pos) {
+    // What stands behind `pos` counts as cut off before own text is read, so that ends there.
+    const int count = len < 0 ? pos - at : std::min(len, pos - at);
+    if (count == 0) return truncate(pos);
+    TCodeUnit* units = resizeForWrite(qilsys::string::SumOfLengths(pos, count));
+    std::copy_n(units + at, count, units + pos);
+    return *this;
+  }
+  const TStringCore copy(s, std::min(len < 0 ? length(s) : len, length() - at));
   return replaceRange(pos, n, copy.constData(), copy.length());
 }
 
@@ -81,27 +88,6 @@ TStringCore& TStringCore::replace(const TCodeUnit* before, int beforeLen, const 
 }
 
 namespace {
-
-/// The matches of one needle, left to right and apart from one another.
-class Matches {
- public:
-  Matches(const TCodeUnit* needle, int length, TStringCore::CaseSensitivity cs)
-      : m_needle(needle), m_length(length), m_cs(cs) {
-    search::buildFailureTable(needle, length, m_table, cs);
-  }
-
-  /// The first match at or after `from`, or -1.
-  int Next(const TCodeUnit* text, int textLength, int from) const {
-    const int at = search::kmpSearch(text + from, textLength - from, m_needle, m_length, m_table, m_cs);
-    return at < 0 ? -1 : from + at;
-  }
-
- private:
-  const TCodeUnit* m_needle;
-  int m_length;
-  TStringCore::CaseSensitivity m_cs;
-  std::vector<int> m_table;
-};
 
 int OverwriteMatches(TStringCore& text, const Matches& matches, int first, const TCodeUnit* after, int n) {
   TCodeUnit* const units = text.data();

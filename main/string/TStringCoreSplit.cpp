@@ -51,8 +51,10 @@ TStringCore nextToken(const TStringCore& text, const TCodeUnit* set, int setLen,
     }
   }
   const int hit = search::findAnyOfCore(text.data(), text.length(), set, setLen, start);
+  // The token first: where it fails, a second call gets it.
+  TStringCore token = text.mid(start, hit < start ? -1 : hit - start);
   pos = hit < start ? -1 : hit + 1;
-  return text.mid(start, hit < start ? -1 : hit - start);
+  return token;
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 
 #include "qilsys/CodePoint.h"
 #include "qilsys/TCType.h"
+#include "search/UnitSet.h"
+
+using qilsys::search::UnitSet;
 
 namespace {
 
@@ -81,9 +84,17 @@ TStringCore& TStringCore::trimRight(const TCodeUnit* set) {
 
 TStringCore& TStringCore::trimLeft(const TCodeUnit* set) { return removeLeading(findOneNotOf(constData(), set, 0)); }
 
+// The set of the left end is made ready before the right one is cut: after that nothing can fail.
 TStringCore& TStringCore::trim(const TCodeUnit* set) {
   if (inSelf(set)) return trim(TStringCore(set).constData());
-  return trimRight(set).trimLeft(set);
+  const int setLen = length(set);
+  const UnitSet members = UnitSet::forNotOf(set, setLen);
+  trimRight(set);
+  const int textLen = length(constData());
+  if (textLen == 0) return removeLeading(-1);
+  // As the static findOneNotOf has it: one ASCII unit that covers the text is taken out up to a NUL.
+  const int first = members.findNotOf(constData(), textLen, 0);
+  return removeLeading(first < 0 && setLen == 1 && *set < 0x80 ? textLen : first);
 }
 
 TStringCore& TStringCore::trimRight(const TStringCore& set) { return trimRight(set.constData()); }
@@ -93,7 +104,9 @@ TStringCore& TStringCore::trimLeft(const TStringCore& set) { return removeLeadin
 TStringCore& TStringCore::trim(const TStringCore& set) {
   // A copy, since `set` may be this string.
   const TStringCore kept = set;  // NOLINT(performance-unnecessary-copy-initialization)
-  return trimRight(kept).trimLeft(kept);
+  const UnitSet members = UnitSet::forNotOf(kept.constData(), kept.length());
+  trimRight(kept);
+  return removeLeading(members.findNotOf(constData(), length(), 0));
 }
 
 // A negative number stands for the whole text, whose storage is given up then.

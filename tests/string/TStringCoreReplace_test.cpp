@@ -5,6 +5,7 @@
 #include "qilsys/TStringCore.h"
 #include "support/StringText.h"
 
+using namespace std::string_literals;
 using qilsys::test::UnitsOf;
 using CS = TStringCore::CaseSensitivity;
 constexpr CS Sensitive = TStringCore::CaseSensitive;
@@ -66,6 +67,28 @@ TEST(TStringCoreReplace, OwnTextIsCopiedFirst) {
     text = TStringCore::fromStdU16String(u"abcdef" + tail);
     text.replace(1, 1, text);
     EXPECT_EQ(UnitsOf(text), u"aabcdef" + tail + u"cdef" + tail);
+  }
+}
+
+// A range that reaches the end is cut off first; own text before it then ends where the text does.
+TEST(TStringCoreReplace, OwnTextEndsAtARangeThatReachesTheEnd) {
+  for (const bool shared : {false, true}) {
+    for (const std::u16string& head : {u""s, u"a text that needs a block: "s}) {
+      const int pos = static_cast<int>(head.size()) + 3;
+      const auto replaced = [&](int n, int from, int len) {
+        TStringCore text = TStringCore::fromStdU16String(head + u"abcdef");
+        const TStringCore sharer = shared ? text : TStringCore();
+        text.replace(pos, n, text.constData() + pos - 3 + from, len);
+        return UnitsOf(text).substr(head.size());
+      };
+      EXPECT_EQ(replaced(3, 1, 4), u"abcbc");
+      EXPECT_EQ(replaced(3, 1, 1), u"abcb");
+      EXPECT_EQ(replaced(9, 0, -1), u"abcabc");
+      EXPECT_EQ(replaced(3, 3, 2), u"abc") << "from where the cut is";
+      EXPECT_EQ(replaced(3, 4, 2), u"abcef") << "from behind the cut, as it was";
+      EXPECT_EQ(replaced(3, 4, 9), u"abcef");
+      EXPECT_EQ(replaced(2, 1, 4), u"abcbcdef") << "not to the end";
+    }
   }
 }
 

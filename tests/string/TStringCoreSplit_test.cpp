@@ -6,6 +6,7 @@
 #include "qilsys/TStringCore.h"
 #include "support/SearchModels.h"
 #include "support/SearchTexts.h"
+#include "support/StringHeaps.h"
 
 namespace qilsys::test {
 namespace {
@@ -327,6 +328,19 @@ TEST(TokenizeRandom, AgreesWithSplitOnAnyAndTheModel) {
       ASSERT_EQ(tokens, wanted) << testing::PrintToString(text) << testing::PrintToString(set);
     }
   }
+}
+
+TEST(TokenizeWithoutMemory, KeepsThePlaceOfTheToken) {
+  const TStringCore text(u"a field that is long enough for a block,b");
+  int pos = 0;
+  {
+    const FailingStringHeap heap(0);
+    EXPECT_THROW(static_cast<void>(text.tokenize(u",", pos)), TStringCore::OutOfMemoryException);
+  }
+  EXPECT_EQ(pos, 0);
+  EXPECT_EQ(Units(text.tokenize(u",", pos)), u"a field that is long enough for a block");
+  EXPECT_EQ(Units(text.tokenize(u",", pos)), u"b");
+  EXPECT_EQ(pos, -1);
 }
 
 }  // namespace
