@@ -9,6 +9,10 @@ namespace {
 
 using CaseMapping = decltype(&u_strToLower);
 
+/// ICU finds its default locale on the first call, and hangs or crashes where memory fails it then; so it is asked for
+/// while the library is loaded.
+[[maybe_unused]] const char* const FirstDefaultLocale = uloc_getDefault();
+
 /// Whether the language of the default locale maps ASCII letters as ASCII does. Turkish and Azeri do not: theirs is
 /// the dotless i.
 bool MapsAsciiAsUsual() {

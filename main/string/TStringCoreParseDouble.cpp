@@ -20,14 +20,17 @@ void SetOk(bool* ok, bool value) {
   if (ok != nullptr) *ok = value;
 }
 
-// The text without white space around it, in lower case.
+// The text without white space around it, its ASCII letters in lower case: the names below are ASCII, and the lower
+// case of a Turkish "I" is no "i".
 TStringCore Normalized(const TStringCore& string) {
   const TCodeUnit* const text = string.constData();
   int length = string.length();
   while (length > 0 && TCType::isSpace(text[length - 1])) --length;
   int start = 0;
   while (start < length && TCType::isSpace(text[start])) ++start;
-  return TStringCore(text + start, length - start).toLower();
+  TStringCore lowered(text + start, length - start);
+  for (TCodeUnit& unit : lowered) unit = static_cast<TCodeUnit>(unit >= u'A' && unit <= u'Z' ? unit | 0x20 : unit);
+  return lowered;
 }
 
 // Walks over `name`, which is ASCII, where the text starts with it.

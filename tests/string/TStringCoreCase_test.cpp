@@ -1,8 +1,10 @@
 // ICU is the oracle: what it maps in a buffer that is large enough is what the string has to give.
 #include <gtest/gtest.h>
+#include <unicode/uclean.h>
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "qilsys/TStringCore.h"
@@ -87,6 +89,23 @@ TEST(TStringCoreCase, RandomTexts) {
     for (int length = random.Between(0, 40); length > 0; --length) text += Alphabet[random.Between(0, ascii ? 3 : 10)];
     ExpectBothCases(text);
   }
+}
+
+// ICU's own heap, exhausted.
+void* GiveNothing(const void*, size_t) { return nullptr; }
+void* ResizeNothing(const void*, void*, size_t) { return nullptr; }
+void ReleaseNothing(const void*, void*) {}
+
+// In a process of its own, so that this mapping is its first: had ICU still to find its default locale, it would hang.
+TEST(TStringCoreCaseDeathTest, TheFirstMappingNeedsNoMemoryOfIcu) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto mapWithoutMemory = [] {
+    UErrorCode status = U_ZERO_ERROR;
+    u_setMemoryFunctions(nullptr, &GiveNothing, &ResizeNothing, &ReleaseNothing, &status);
+    const bool mapped = UnitsOf(TStringCore(u"\u00C4B").toLower()) == u"\u00E4b";
+    std::_Exit(U_SUCCESS(status) && mapped ? 0 : 1);
+  };
+  EXPECT_EXIT(mapWithoutMemory(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 
 #include "qilsys/TStringCore.h"
 #include "support/CommaLocale.h"
+#include "support/DefaultLocale.h"
 #include "support/NarrowText.h"
 #include "support/Random.h"
 
@@ -168,6 +169,18 @@ TEST(TStringCoreToDoubleThreads, KeepAnErrnoEach) {
   read(good, 0);
   other.join();
   EXPECT_EQ(right, 200);
+}
+
+// Its small "I" has no dot, so what toLower gives there is not "inf".
+TEST(TStringCoreToDoubleLocale, KnowsItsWordsUnderATurkishLocale) {
+  for (const char* name : {"tr_TR", "az"}) {
+    const qilsys::test::DefaultLocale locale(name);
+    for (const char16_t* text : {u"INF", u"Infinity", u"INFINITY", u"+INF.0"}) {
+      bool ok = false;
+      EXPECT_EQ(TStringCore(text).toDouble(&ok), Infinity);
+      EXPECT_TRUE(ok);
+    }
+  }
 }
 
 TEST(TStringCoreToDoubleLocale, ReadsAPointUnderACommaLocale) {

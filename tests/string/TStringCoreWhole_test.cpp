@@ -149,11 +149,11 @@ TEST(TStringCoreCase, ResultsThatGrowPastTheFirstRoom) {
 
 TEST(TStringCoreCase, FollowsTheDefaultLocaleForAsciiToo) {
   for (const char* name : {"tr", "tr_TR", "az"}) {
-    const DefaultLocale locale(name);
+    const qilsys::test::DefaultLocale locale(name);
     EXPECT_EQ(UnitsOf(TStringCore(u"TITLE").toLower()), u"t\u0131tle");
     EXPECT_EQ(UnitsOf(TStringCore(u"title").toUpper()), u"T\u0130TLE");
   }
-  const DefaultLocale locale("en_US");
+  const qilsys::test::DefaultLocale locale("en_US");
   EXPECT_EQ(UnitsOf(TStringCore(u"TITLE").toLower()), u"title");
 }
 
