@@ -5,7 +5,7 @@
 
 namespace CodePoint::detail {
 
-// The first text names operator++ as well; hosts may look for these texts as they are.
+// The first text names operator++ as well, and "begining" is spelt so on purpose: hosts look for these texts as they are.
 void ThrowPositionOutOfRange(int position) {
   throw std::runtime_error("CodePointIterator<>::operator++: m_position[" + std::to_string(position) +
                            "] is out of range.");

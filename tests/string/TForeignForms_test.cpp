@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "qilsys/TStringCore.h"
+#include "support/RowName.h"
 #include "support/StringText.h"
 
 using namespace std::string_literals;
@@ -281,6 +282,116 @@ TEST(TForeignForms, WideBuffersAreEditedInPlace) {
   wchar_t lines[] = L"a\r\n\U0001F600";
   EXPECT_EQ(TStringCore::dosToUnix(lines), WideIsCodePoints ? 3 : 4);
   EXPECT_EQ(std::wstring(lines), L"a\n\U0001F600");
+}
+
+using Wide = std::vector<wchar_t>;
+
+/// A row of a static edit of a wide buffer: what it leaves, its NUL included.
+struct WideEdit {
+  const char* name;
+  Wide text;
+  int (*edit)(wchar_t*);
+  Wide wanted;
+};
+
+const WideEdit WideEdits[] = {
+    {"RemoveNothing",
+     {0xD83D, 0xDE00, 'a', 0},
+     [](wchar_t* s) { return TStringCore::removeAnyOf(s, L"z"); },
+     {0xD83D, 0xDE00, 'a', 0}},
+    {"RemoveBesideAPair",
+     {0xD83D, 0xDE00, 'a', 'b', 0},
+     [](wchar_t* s) { return TStringCore::removeAnyOf(s, L"a"); },
+     {0xD83D, 0xDE00, 'b', 0}},
+    {"RemoveBesideANoCodePoint",
+     {0x110000, 'a', 0xFFFD, 0},
+     [](wchar_t* s) { return TStringCore::removeAnyOf(s, L"a"); },
+     {0x110000, 0xFFFD, 0}},
+    {"RemoveAPairOfElements",
+     {'x', 0xD83D, 0xDE00, 0x110000, 0},
+     [](wchar_t* s) { return TStringCore::removeAnyOf(s, L"\U0001F600"); },
+     {'x', 0x110000, 0}},
+    {"RemoveWhatReadsAsTheReplacement",
+     {0x110000, 'x', 0xFFFD, 0},
+     [](wchar_t* s) { return TStringCore::removeAnyOf(s, L"\uFFFD"); },
+     {'x', 0}},
+    {"RemoveFromAStart",
+     {0x110000, 'a', 0x110000, 'a', 0},
+     [](wchar_t* s) { return TStringCore::removeAnyOf(s, L"a", 2); },
+     {0x110000, 'a', 0x110000, 0}},
+    {"ReplaceNothing",
+     {0xD83D, 0xDE00, 0x110000, 0},
+     [](wchar_t* s) { return TStringCore::replaceAnyOf(s, L"z", L'x'); },
+     {0xD83D, 0xDE00, 0x110000, 0}},
+    {"ReplaceBetween",
+     {0xD83D, 0xDE00, 'a', 0x110000, 0},
+     [](wchar_t* s) { return TStringCore::replaceAnyOf(s, L"a", L'x'); },
+     {0xD83D, 0xDE00, 'x', 0x110000, 0}},
+    {"ReplaceAPairOfElements",
+     {0x110000, 0xD83D, 0xDE00, 0x110000, 0},
+     [](wchar_t* s) { return TStringCore::replaceAnyOf(s, L"\U0001F600", L'x'); },
+     {0x110000, 'x', 0x110000, 0}},
+    {"ReplaceFromAStart",
+     {'a', 0x110000, 'a', 0},
+     [](wchar_t* s) { return TStringCore::replaceAnyOf(s, L"a", L'x', 1); },
+     {'a', 0x110000, 'x', 0}},
+    {"LineEnds",
+     {0xD83D, 0xDE00, 0x110000, '\r', 0},
+     [](wchar_t* s) { return TStringCore::dosToUnix(s); },
+     {0xD83D, 0xDE00, 0x110000, '\n', 0}},
+};
+
+class WideBuffer : public testing::TestWithParam<WideEdit> {};
+
+TEST_P(WideBuffer, KeepsTheElementsThatDoNotChange) {
+  if (!WideIsCodePoints) GTEST_SKIP() << "an element is a unit here";
+  Wide text = GetParam().text;
+  EXPECT_EQ(GetParam().edit(text.data()), static_cast<int>(GetParam().wanted.size()) - 1);
+  text.resize(GetParam().wanted.size());
+  EXPECT_EQ(text, GetParam().wanted);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, WideBuffer, testing::ValuesIn(WideEdits), qilsys::test::RowName<WideEdit>);
+
+TEST(TForeignForms, LengthsCountElements) {
+  EXPECT_EQ(TStringCore::length(L"a\U0001F600"), WideIsCodePoints ? 2 : 3);
+  EXPECT_EQ(TStringCore::lengthInBytes(L"a\U0001F600"), WideIsCodePoints ? 4 : 6);
+  EXPECT_EQ(TStringCore::lengthInBytes(static_cast<const wchar_t*>(nullptr)), 0);
+}
+
+TEST(TForeignForms, TheRunOfAWideUnitIsALength) {
+  const auto grin = static_cast<wchar_t>(WideIsCodePoints ? 0x1F600 : u'a');
+  const wchar_t text[] = {grin, grin, 0};
+  EXPECT_EQ(TStringCore::findOneNotOf(text, grin), 2);
+  EXPECT_EQ(TStringCore::findOneNotOf(L"", grin), 0);
+  EXPECT_EQ(TStringCore::findOneNotOf(L"b", grin), 0);
+  EXPECT_EQ(TStringCore::findOneNotOf(static_cast<const wchar_t*>(nullptr), grin), 0);
+}
+
+TEST(TForeignForms, AUnitAssignedKeepsTheBlocksForm) {
+  const TStringCore block(u'a', 20);
+  const auto assigned = [&](auto c) {
+    TStringCore text = block;
+    text = c;
+    return text.capacity();
+  };
+  EXPECT_EQ(assigned(TForeignUnit{'x'}), assigned(TCodeUnit{'x'}));
+  EXPECT_EQ(assigned(static_cast<TForeignUnit>(0x1F600)), assigned(TCodeUnit{'x'}));
+  TStringCore exclusive(u'a', 1000);
+  exclusive.assign(static_cast<TForeignUnit>(0x1F600), 20);
+  EXPECT_EQ(exclusive.capacity(), 1018);
+  TStringCore shared = block;
+  shared.assign(static_cast<TForeignUnit>(0x1F600), 2);
+  EXPECT_EQ(shared.capacity(), 26);
+}
+
+TEST(TForeignForms, TooManyOfAWideUnitAreTooLong) {
+  TStringCore text(u"abc");
+  for (const int n : {0x7FFFFFFF, 0x7FFFFFF0, 0x40000000, 0x3FFFFFFC}) {
+    if (!WideIsCodePoints && n < 0x7FFFFFF8) continue;
+    EXPECT_THROW(text.assign(static_cast<TForeignUnit>(0x1F600), n), TStringCore::CapacityException) << n;
+  }
+  EXPECT_EQ(UnitsOf(text), u"abc");
 }
 
 TEST(TForeignForms, BadWideElements) {

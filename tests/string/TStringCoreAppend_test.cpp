@@ -56,6 +56,32 @@ TEST(TStringCoreAppend, NothingAddedLeavesASharedBlock) {
   EXPECT_TRUE(text.isShared());
 }
 
+// Only no text at all leaves it; an empty string is text of no units.
+TEST(TStringCoreAppend, AnEmptyStringGivesASharedBlockUp) {
+  TStringCore emptied(u'a', 20);
+  emptied.resize(0);
+  TStringCore itself = emptied;
+  itself.append(itself);
+  EXPECT_FALSE(itself.isShared());
+  TStringCore other = emptied;
+  other.append(TStringCore());
+  EXPECT_FALSE(other.isShared());
+  TStringCore kept = emptied;
+  kept.append("").append(u"").append(static_cast<const char*>(nullptr), 5);
+  EXPECT_TRUE(kept.isShared());
+}
+
+TEST(TStringCoreAppend, NoBytesAssignedGiveASharedBlockUp) {
+  TStringCore emptied(u'a', 20);
+  emptied.resize(0);
+  for (const char* bytes : {"", static_cast<const char*>(nullptr)}) {
+    TStringCore text = emptied;
+    text.assign(bytes, bytes ? 0 : -1);
+    EXPECT_FALSE(text.isShared());
+    EXPECT_TRUE(text.empty());
+  }
+}
+
 TEST(TStringCoreAppend, DoublesItself) {
   for (const int n : {0, 3, 7, 8, 14, 20, 30}) {
     TStringCore text = LongText().left(n);

@@ -223,6 +223,17 @@ INSTANTIATE_TEST_SUITE_P(Table, Span,
                                                  u"\xD801\xDC00", u"\xD801\xDC00", u""}),
                          [](const auto& row) { return std::string(row.param.name); });
 
+TEST(EmptySubstring, TakesNoBlockAlong) {
+  TStringCore emptied(u'a', 100);
+  emptied.resize(0);
+  for (const TStringCore& part : {emptied.left(0), emptied.right(0), emptied.left(-1), emptied.right(-1)}) {
+    EXPECT_TRUE(part.isEmpty());
+    EXPECT_EQ(part.capacity(), 15);
+  }
+  EXPECT_FALSE(emptied.isShared());
+  EXPECT_TRUE(emptied.left(1).isShared()) << "a copy of the whole text";
+}
+
 TEST(SpanNull, CountsAsEmpty) {
   EXPECT_TRUE(Long.spanIncluding(nullptr).isEmpty());
   ExpectShared(Long.spanExcluding(nullptr), Long);

@@ -142,7 +142,7 @@ TEST(ForeignBuffer, StoresWhatWasEdited) {
   // The first three elements stay, then a terminator that is no NUL.
   const int units = buffer.UnitIndex(3);
   buffer.data()[units] = 0x30;
-  EXPECT_EQ(buffer.Store(units), 3);
+  EXPECT_EQ(buffer.Store(units, 0, 0), 3);
   EXPECT_EQ(text, IsWide ? QILSYS_FOREIGN("a\U0001F600b0d") : QILSYS_FOREIGN("a\U0001F6000cd"));
 }
 
