@@ -1,16 +1,35 @@
+// Append, of units and of UTF-8.
 #include "qilsys/TStringCore.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "qilsys/Unicode.h"
+#include "string/OwnText.h"
+#include "string/StringGrowth.h"
 #include "string/StringSum.h"
 
+using qilsys::string::InSelf;
+using qilsys::string::ResizeForWrite;
 using qilsys::string::SumOfLengths;
+
+namespace {
+
+// A negative count is the rest of the text, NULs included.
+void AppendFromSelf(TStringCore& text, int start, int count) {
+  const int before = text.length();
+  const int rest = before - start;
+  if (count < 0 || count > rest) count = rest;
+  if (count < 1) return;
+  TCodeUnit* units = ResizeForWrite(text, SumOfLengths(before, count));
+  std::copy_n(units + start, count, units + before);
+}
+
+}  // namespace
 
 TStringCore& TStringCore::append(const TStringCore& other) {
   if (this == &other && !empty()) {
-    appendFromSelf(0, length());
+    AppendFromSelf(*this, 0, length());
     return *this;
   }
   const int before = length();
@@ -21,7 +40,15 @@ TStringCore& TStringCore::append(const TStringCore& other) {
 }
 
 TStringCore& TStringCore::append(const TCodeUnit* s, int len) {
-  appendHandleSelf(s, len);
+  if (InSelf(*this, s)) {
+    AppendFromSelf(*this, static_cast<int>(s - constData()), len);
+    return *this;
+  }
+  if (!s || len == 0) return *this;
+  if (len < 0) len = length(s);
+  if (len == 0) return *this;
+  const int before = length();
+  std::copy_n(s, len, resizeForWrite(SumOfLengths(before, len)) + before);
   return *this;
 }
 
@@ -29,24 +56,6 @@ TStringCore& TStringCore::appendUnitSlow(TCodeUnit c) {
   const int before = length();
   resizeForWrite(SumOfLengths(before, 1))[before] = c;
   return *this;
-}
-
-void TStringCore::appendHandleSelf(const TCodeUnit* s, int len) {
-  if (inSelf(s)) return appendFromSelf(static_cast<int>(s - constData()), len);
-  if (!s || len == 0) return;
-  if (len < 0) len = length(s);
-  if (len == 0) return;
-  const int before = length();
-  std::copy_n(s, len, resizeForWrite(SumOfLengths(before, len)) + before);
-}
-
-void TStringCore::appendFromSelf(int start, int count) {
-  const int before = length();
-  const int rest = before - start;
-  if (count < 0 || count > rest) count = rest;
-  if (count < 1) return;
-  TCodeUnit* units = resizeForWrite(SumOfLengths(before, count));
-  std::copy_n(units + start, count, units + before);
 }
 
 namespace {
@@ -62,22 +71,10 @@ int LengthOfUtf8(const char* s, int len) {
 }  // namespace
 
 // One unit a byte is always enough. What stands behind `at` is lost only once the room is there.
-void TStringCore::writeUtf8(int at, const char* s, int len) {
+TStringCore& TStringCore::writeUtf8(int at, const char* s, int len) {
+  len = LengthOfUtf8(s, len);
+  if (len == 0) return *this;
   TCodeUnit* units = resizeForWrite(SumOfLengths(at, len));
   resizeForWrite(at + Unicode::Utf8ToUtf16(s, len, units + at, capacity() - at));
-}
-
-TStringCore& TStringCore::appendUtf8(const char* s, int len) {
-  len = LengthOfUtf8(s, len);
-  if (len > 0) writeUtf8(length(), s, len);
   return *this;
-}
-
-void TStringCore::assignUtf8(const char* s, int len) {
-  len = LengthOfUtf8(s, len);
-  if (len > 0) {
-    writeUtf8(0, s, len);
-  } else {
-    resizeForWrite(0);
-  }
 }

@@ -1,3 +1,4 @@
+// Upper and lower case.
 #include "qilsys/TStringCore.h"
 
 #include <unicode/uloc.h>

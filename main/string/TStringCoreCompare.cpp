@@ -1,3 +1,4 @@
+// Comparison and its operators.
 #include "qilsys/TStringCore.h"
 
 #include "search/Search.h"

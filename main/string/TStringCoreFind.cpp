@@ -1,3 +1,4 @@
+// Search by code point, for iterators.
 #include "qilsys/TStringCore.h"
 
 #include "search/Effort.h"

@@ -1,3 +1,4 @@
+// Search for the members of a set.
 #include "qilsys/TStringCore.h"
 
 #include "search/Search.h"

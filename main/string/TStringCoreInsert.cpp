@@ -1,11 +1,14 @@
+// Insert and prepend.
 #include "qilsys/TStringCore.h"
 
 #include <algorithm>
 
 #include "qilsys/CodePoint.h"
 #include "qilsys/TCodePointIterator.h"
+#include "string/OwnText.h"
 #include "string/StringSum.h"
 
+using qilsys::string::InSelf;
 using qilsys::string::SumOfLengths;
 
 namespace {
@@ -15,11 +18,11 @@ void OpenGap(TCodeUnit* units, int length, int i, int n) {
   std::copy_backward(units + i, units + length, units + length + n);
 }
 
-}  // namespace
-
-int TStringCore::getInsertCodeUnitIndex(const CodePointIterator& at) const {
-  return at.codeUnitIndex < 0 ? length() : at.codeUnitIndex;
+int InsertIndex(const TStringCore& text, const TStringCore::CodePointIterator& at) {
+  return at.codeUnitIndex < 0 ? text.length() : at.codeUnitIndex;
 }
+
+}  // namespace
 
 TStringCore& TStringCore::insert(int i, TCodeUnit c) {
   const int before = length();
@@ -36,7 +39,7 @@ TStringCore& TStringCore::insert(int i, const TCodeUnit* s, int n) {
   if (!CodePoint::IsFirstCodeUnit(constData()[i])) return *this;
   if (n < 0) n = length(s);
   if (n == 0) return *this;
-  const std::ptrdiff_t own = inSelf(s) ? s - constData() : -1;
+  const std::ptrdiff_t own = InSelf(*this, s) ? s - constData() : -1;
   TCodeUnit* units = resizeForWrite(SumOfLengths(before, n));
   OpenGap(units, before, i, n);
   // Own text is read where it stood, although what was behind `i` has moved; the copy allows for the overlap.
@@ -45,9 +48,9 @@ TStringCore& TStringCore::insert(int i, const TCodeUnit* s, int n) {
 }
 
 TStringCore& TStringCore::insert(const CodePointIterator& at, const TStringCore& text) {
-  return insert(getInsertCodeUnitIndex(at), text);
+  return insert(InsertIndex(*this, at), text);
 }
 
 TStringCore& TStringCore::insert(const CodePointIterator& at, const TCodeUnit* s, int n) {
-  return insert(getInsertCodeUnitIndex(at), s, n);
+  return insert(InsertIndex(*this, at), s, n);
 }

@@ -1,3 +1,4 @@
+// Remove and truncate.
 #include "qilsys/TStringCore.h"
 
 #include <algorithm>
@@ -6,6 +7,7 @@
 #include "qilsys/TCodePointIterator.h"
 #include "search/Search.h"
 #include "string/Matches.h"
+#include "string/OwnText.h"
 
 namespace search = qilsys::search;
 
@@ -43,7 +45,7 @@ TStringCore& TStringCore::removeAll(TCodeUnit c) {
 TStringCore& TStringCore::removeAll(const TCodeUnit* s, int len, CaseSensitivity cs) {
   if (!s || len == 0 || *s == 0) return *this;
   if (len < 0) len = length(s);
-  if (inSelf(s)) return removeAll(TStringCore(s, len), cs);
+  if (qilsys::string::InSelf(*this, s)) return removeAll(TStringCore(s, len), cs);
   const int before = length();
   const qilsys::string::Matches matches(s, len, cs);
   int match = matches.Next(constData(), before, 0);

@@ -1,3 +1,4 @@
+// Replace: ranges, units, matches.
 #include "qilsys/TStringCore.h"
 
 #include <algorithm>
@@ -5,10 +6,28 @@
 #include "qilsys/TCodePointIterator.h"
 #include "search/Search.h"
 #include "string/Matches.h"
+#include "string/OwnText.h"
+#include "string/StringGrowth.h"
 #include "string/StringSum.h"
 
 namespace search = qilsys::search;
-using qilsys::string::Matches;
+using namespace qilsys::string;
+
+namespace {
+
+// The text to put in lies outside the string.
+TStringCore& ReplaceRange(TStringCore& text, int pos, int n, const TCodeUnit* s, int len) {
+  const int before = text.length();
+  n = std::min(n, before - pos);
+  const int after = SumOfLengths(before, len - n);
+  TCodeUnit* units = after > before || after < 0 ? ResizeForWrite(text, after) : text.data();
+  std::char_traits<TCodeUnit>::move(units + pos + len, units + pos + n, static_cast<std::size_t>(before - pos - n));
+  std::copy_n(s, len, units + pos);
+  if (after < before) ResizeForWrite(text, after);
+  return text;
+}
+
+}  // namespace
 
 TStringCore& TStringCore::replace(int pos, int n, const TCodeUnit* s, int len) {
   if (pos < 0 || pos > length() || n < 0 || (!s && len != 0)) return *this;
@@ -17,30 +36,18 @@ TStringCore& TStringCore::replace(int pos, int n, const TCodeUnit* s, int len) {
   const bool toEnd = n >= length() - pos;
   if (!s) return toEnd ? truncate(pos) : removeAt(pos, n);
   if (n == 0 && !toEnd) return insert(pos, s, len);
-  if (!inSelf(s)) return replaceRange(pos, n, s, len < 0 ? length(s) : len);
+  if (!InSelf(*this, s)) return ReplaceRange(*this, pos, n, s, len < 0 ? length(s) : len);
   const int at = static_cast<int>(s - constData());
   if (toEnd && at <= pos) {
     // What stands behind `pos` counts as cut off before own text is read, so that ends there.
     const int count = len < 0 ? pos - at : std::min(len, pos - at);
     if (count == 0) return truncate(pos);
-    TCodeUnit* units = resizeForWrite(qilsys::string::SumOfLengths(pos, count));
+    TCodeUnit* units = resizeForWrite(SumOfLengths(pos, count));
     std::copy_n(units + at, count, units + pos);
     return *this;
   }
   const TStringCore copy(s, std::min(len < 0 ? length(s) : len, length() - at));
-  return replaceRange(pos, n, copy.constData(), copy.length());
-}
-
-// The text to put in lies outside this string.
-TStringCore& TStringCore::replaceRange(int pos, int n, const TCodeUnit* s, int len) {
-  const int before = length();
-  n = std::min(n, before - pos);
-  const int after = qilsys::string::SumOfLengths(before, len - n);
-  TCodeUnit* units = after > before || after < 0 ? resizeForWrite(after) : data();
-  std::char_traits<TCodeUnit>::move(units + pos + len, units + pos + n, static_cast<std::size_t>(before - pos - n));
-  std::copy_n(s, len, units + pos);
-  if (after < before) resizeForWrite(after);
-  return *this;
+  return ReplaceRange(*this, pos, n, copy.constData(), copy.length());
 }
 
 TStringCore& TStringCore::replace(int pos, int n, TCodeUnit c) {
@@ -121,8 +128,8 @@ int TStringCore::replaceCount(const TCodeUnit* before, int beforeLen, const TCod
                               CaseSensitivity cs) {
   if (beforeLen < 1 || !before || beforeLen > length()) return 0;
   afterLen = after ? std::max(afterLen, 0) : 0;
-  if (inSelf(before)) return replaceCount(TStringCore(before, beforeLen), beforeLen, after, afterLen, cs);
-  if (afterLen > 0 && inSelf(after)) {
+  if (InSelf(*this, before)) return replaceCount(TStringCore(before, beforeLen), beforeLen, after, afterLen, cs);
+  if (afterLen > 0 && InSelf(*this, after)) {
     return replaceCount(before, beforeLen, TStringCore(after, afterLen), afterLen, cs);
   }
   const Matches matches(before, beforeLen, cs);

@@ -1,3 +1,4 @@
+// Search for text and for units, by index.
 #include "qilsys/TStringCore.h"
 
 #include "search/Search.h"
@@ -39,10 +40,6 @@ bool TStringCore::contains(const TStringCore& needle, CaseSensitivity cs) const 
 
 bool TStringCore::containsInTerminated(const TCodeUnit* needle, CaseSensitivity cs) const {
   return findStr(data(), search::lengthToNul(data(), length()), needle, 0, cs) >= 0;
-}
-
-bool TStringCore::containsExactly(const TCodeUnit* needle) const {
-  return findStr(data(), length(), needle, 0, CaseSensitive) >= 0;
 }
 
 bool TStringCore::contains(TCodeUnit c) const { return indexOf(c) >= 0; }

@@ -1,18 +1,26 @@
+// Split at separators, take tokens one by one, and join.
 #include "qilsys/TStringCore.h"
 
-#include <cstring>
+#include <algorithm>
+#include <cstdint>
+#include <vector>
 
 #include "qilsys/CodePoint.h"
 #include "search/Fields.h"
 #include "search/Search.h"
 #include "search/UnitSet.h"
+#include "string/StringGrowth.h"
 #include "units/TextLength.h"
 
 namespace search = qilsys::search;
+using qilsys::string::Inside;
+using qilsys::string::ResizeForWrite;
 
 namespace {
 
 using Strings = std::vector<TStringCore>;
+
+constexpr int MaxInlineLength = qilsys::StringStorage::MaxInlineLength;
 
 int countFields(const TCodeUnit* text, int len, TCodeUnit sep, bool dropEmpty) {
   if (!dropEmpty) return search::countUnit(text, len, sep) + 1;
@@ -95,10 +103,7 @@ Strings TStringCore::split(const TCodeUnit* text, int len, TCodeUnit sep, SplitB
     if (length > MaxInlineLength || len - offset < MaxInlineLength) {
       fields.emplace_back(text + offset, length);
     } else {
-      // A copy of fixed size costs less than one by length; what stands behind the terminator never shows.
-      TStringCore& field = fields.emplace_back();
-      std::memcpy(field.m_words.inlineUnits, text + offset, MaxInlineLength * sizeof(TCodeUnit));
-      field.setInlineLength(length);
+      Inside::StorageOf(fields.emplace_back()).assignInlineFrom(text + offset, length);
     }
   });
   return fields;
@@ -120,4 +125,28 @@ TStringCore TStringCore::tokenize(const TStringCore& set, int& pos, SplitBehavio
 
 TStringCore TStringCore::tokenize(const TCodeUnit* set, int& pos, SplitBehavior behavior) const {
   return nextToken(*this, set, qilsys::units::TerminatedLength(set), pos, behavior == DropEmptyTokens);
+}
+
+// ---- Joining
+
+TStringCore TStringCore::join(const std::vector<TStringCore>& list, const TStringCore& sep) {
+  if (list.empty()) return TStringCore();
+  if (list.size() == 1) return list.front();
+  std::uint64_t wanted = static_cast<std::uint64_t>(list.size() - 1) * static_cast<std::uint64_t>(sep.length());
+  for (const TStringCore& element : list) wanted += static_cast<std::uint64_t>(element.length());
+  // In 32 bits, so that a sum beyond the limit raises as a negative capacity first.
+  const auto total = static_cast<std::uint32_t>(wanted);
+  TStringCore result;
+  result.reserve(static_cast<int>(total));
+  if (wanted >= MaxStringCapacity) throw CapacityException();
+  TCodeUnit* units = ResizeForWrite(result, static_cast<int>(total));
+  for (const TStringCore& element : list) {
+    if (&element != list.data()) units = std::copy_n(sep.data(), sep.length(), units);
+    units = std::copy_n(element.data(), element.length(), units);
+  }
+  return result;
+}
+
+TStringCore TStringCore::join(const std::vector<TStringCore>& list, TCodeUnit sep) {
+  return join(list, TStringCore(sep, 1));
 }

@@ -1,3 +1,4 @@
+// Parts and copies of a text.
 #include "qilsys/TStringCore.h"
 
 #include <algorithm>
@@ -102,18 +103,4 @@ TStringCore TStringCore::spanIncluding(const TCodeUnit* set) const {
 TStringCore TStringCore::spanExcluding(const TCodeUnit* set) const {
   const int end = findOneOf(set, 0);
   return end < 0 ? *this : left(end);
-}
-
-int TStringCore::subStringSizeInCodePoints(int start, int units) const {
-  if (start < 0 || start >= length()) return 0;
-  const int rest = length() - start;
-  const int end = start + (units < 0 ? rest : std::min(units, rest));
-  int count = 0;
-  for (int at = start; at < end; at += std::max(CodePoint::CountCodeUnits(data() + at), 1)) ++count;
-  return count;
-}
-
-int TStringCore::subStringSizeInCodeUnits(int start, int codePoints) const {
-  if (start < 0 || start >= length()) return 0;
-  return Unicode::SubStringSizeInCodeUnits(data(), length(), start, codePoints);
 }

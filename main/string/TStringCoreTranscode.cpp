@@ -1,3 +1,4 @@
+// Text from other encodings and to them.
 #include "qilsys/TStringCore.h"
 
 #include <unicode/ucnv.h>
@@ -5,11 +6,8 @@
 #include <climits>
 #include <cstring>
 #include <memory>
-#include <stdexcept>
 
-#include "qilsys/TCodePointIterator.h"
 #include "qilsys/Unicode.h"
-#include "transcode/UnicodeFailure.h"
 #include "units/TextLength.h"
 
 namespace {
@@ -170,31 +168,8 @@ int TStringCore::toWCharArray(TCodeUnit* target, int capacity) const {
          1;
 }
 
-int TStringCore::toForeignArray(TForeignUnit* target, int capacity) const {
-  return static_cast<int>(
-             Unicode::toWCharArray(data(), size(), target, static_cast<size_t>(capacity < 0 ? 0 : capacity))) -
-         1;
-}
-
 std::vector<wchar_t> TStringCore::toWCharVector() const {
   std::vector<wchar_t> result(size() + 1);
   Unicode::toWCharArray(data(), size(), result.data(), result.size());
   return result;
-}
-
-TStringCore::CodePointIterator TStringCore::codepoint_cbegin() const {
-  return CodePointIterator(*this, isEmpty() ? -1 : 0);
-}
-TStringCore::CodePointIterator TStringCore::codepoint_cend() const { return CodePointIterator(*this, -1); }
-
-TStringCore::CodePointIterator TStringCore::createFromIndex(int codeUnitIndex, int codePointIndex) const {
-  if (codeUnitIndex == length() || codeUnitIndex == -1) return codepoint_cend();
-  const int index = codeUnitIndex < 0 ? codeUnitIndex + length() : codeUnitIndex;
-  if (index < 0 || index > length())
-    throw std::runtime_error("TStringCore::createFromIndex codeUnitIndex is out of range.");
-  if (CodePoint::IsLowSurrogate(data()[index]))
-    throw std::runtime_error(
-        // "begining" is spelt so on purpose: logs are searched for this text.
-        "TStringCore::createFromIndex codeUnitIndex does not reference the begining of a code point.");
-  return CodePointIterator(this, index, index == 0 ? 0 : codePointIndex);
 }

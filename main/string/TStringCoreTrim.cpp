@@ -1,8 +1,10 @@
+// Trim at either end: white space, one unit, a set.
 #include "qilsys/TStringCore.h"
 
 #include "qilsys/CodePoint.h"
 #include "qilsys/TCType.h"
 #include "search/UnitSet.h"
+#include "string/OwnText.h"
 
 using qilsys::search::UnitSet;
 
@@ -42,6 +44,13 @@ bool SetHolds(const TCodeUnit* set, const TCodeUnit* first, int units) {
   return false;
 }
 
+// A negative number stands for the whole text, whose storage is given up then.
+TStringCore& RemoveLeading(TStringCore& text, int n) {
+  if (n >= 0) return text.removeAt(0, n);
+  text.clear();
+  return text;
+}
+
 }  // namespace
 
 TStringCore& TStringCore::trimRight() {
@@ -53,7 +62,7 @@ TStringCore& TStringCore::trimLeft() {
   int from = 0;
   for (int n = 0; from < length() && TCType::isSpace32(CodePoint::GetCodePoint(units + from, &n)); from += n) {
   }
-  return removeLeading(from < length() ? from : -1);
+  return RemoveLeading(*this, from < length() ? from : -1);
 }
 
 TStringCore& TStringCore::trim() { return trimRight().trimLeft(); }
@@ -82,38 +91,31 @@ TStringCore& TStringCore::trimRight(const TCodeUnit* set) {
       LengthWithoutTail(*this, [set](const TCodeUnit* first, int units) { return SetHolds(set, first, units); }));
 }
 
-TStringCore& TStringCore::trimLeft(const TCodeUnit* set) { return removeLeading(findOneNotOf(constData(), set, 0)); }
+TStringCore& TStringCore::trimLeft(const TCodeUnit* set) {
+  return RemoveLeading(*this, findOneNotOf(constData(), set, 0));
+}
 
 // The set of the left end is made ready before the right one is cut: after that nothing can fail.
 TStringCore& TStringCore::trim(const TCodeUnit* set) {
-  if (inSelf(set)) return trim(TStringCore(set).constData());
+  if (qilsys::string::InSelf(*this, set)) return trim(TStringCore(set).constData());
   const int setLen = length(set);
   const UnitSet members = UnitSet::forNotOf(set, setLen);
   trimRight(set);
   const int textLen = length(constData());
-  if (textLen == 0) return removeLeading(-1);
+  if (textLen == 0) return RemoveLeading(*this, -1);
   // As the static findOneNotOf has it: one ASCII unit that covers the text is taken out up to a NUL.
   const int first = members.findNotOf(constData(), textLen, 0);
-  return removeLeading(first < 0 && setLen == 1 && *set < 0x80 ? textLen : first);
+  return RemoveLeading(*this, first < 0 && setLen == 1 && *set < 0x80 ? textLen : first);
 }
 
 TStringCore& TStringCore::trimRight(const TStringCore& set) { return trimRight(set.constData()); }
 
-TStringCore& TStringCore::trimLeft(const TStringCore& set) { return removeLeading(findOneNotOf(set, 0)); }
+TStringCore& TStringCore::trimLeft(const TStringCore& set) { return RemoveLeading(*this, findOneNotOf(set, 0)); }
 
 TStringCore& TStringCore::trim(const TStringCore& set) {
   // A copy, since `set` may be this string.
   const TStringCore kept = set;  // NOLINT(performance-unnecessary-copy-initialization)
   const UnitSet members = UnitSet::forNotOf(kept.constData(), kept.length());
   trimRight(kept);
-  return removeLeading(members.findNotOf(constData(), length(), 0));
-}
-
-// A negative number stands for the whole text, whose storage is given up then.
-TStringCore& TStringCore::removeLeading(int n) {
-  if (n < 0) {
-    clear();
-    return *this;
-  }
-  return removeAt(0, n);
+  return RemoveLeading(*this, members.findNotOf(constData(), length(), 0));
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <concepts>
+#include <cstddef>
 #include <type_traits>
 #include <vector>
 
@@ -104,7 +105,8 @@ class TForeignForms : public TStringOptions {
   }
   template <ForeignUnit U>
   int toWCharArray(U* target, int capacity) const {
-    return self().toForeignArray(target, capacity);
+    const auto room = static_cast<std::size_t>(capacity < 0 ? 0 : capacity);
+    return static_cast<int>(Unicode::toWCharArray(self().data(), self().size(), target, room)) - 1;
   }
 
   // ---- Comparison

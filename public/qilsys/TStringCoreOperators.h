@@ -6,7 +6,7 @@
 
 #include <compare>
 
-#include "qilsys/TStringCore.h"
+#include "qilsys/TStringCoreClass.h"
 
 // ---- Raw text on the left
 

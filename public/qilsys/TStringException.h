@@ -2,7 +2,7 @@
 /// exception tree of the library, so a handler for that tree, or for std::exception, catches none of them.
 #pragma once
 
-#include "qilsys/TStringCore.h"
+#include "qilsys/TStringCoreClass.h"
 
 /// The root: a message and the means to keep the dynamic class across copies.
 class QILSYS_API TStringCore::Exception {

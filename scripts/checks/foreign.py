@@ -13,7 +13,7 @@ from tree import Report, read, tracked, without_comments
 
 STRING, FORMS = 'TStringCore', 'TForeignForms'
 # The mechanism itself.
-MECHANISM = ('public/qilsys/TForeignForms.h', 'public/qilsys/TForeignText.h')
+MECHANISM = ('public/qilsys/TForeignForms.h', 'public/qilsys/TForeignText.h', 'public/qilsys/TStringStorage.h')
 INTEGERS = ('short', 'int', 'long', 'long long', 'unsigned short', 'unsigned int', 'unsigned long', 'unsigned long long')
 
 

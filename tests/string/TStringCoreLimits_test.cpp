@@ -13,7 +13,7 @@ using qilsys::test::FailingStringHeap;
 using qilsys::test::LazyStringHeap;
 using qilsys::test::RepeatedBytes;
 using qilsys::test::UnitsOf;
-using Inside = TStringCoreForTest;
+using Inside = qilsys::test::TStringCoreForTest;
 
 namespace {
 

@@ -77,7 +77,7 @@ class Walk {
     ASSERT_EQ(UnitsOf(m_text), m_model.units()) << "edit " << m_edit << " at " << m_position << ", count " << m_count;
     ASSERT_EQ(m_text.constData()[m_text.length()], 0);
     ASSERT_LT(m_text.length(), m_text.capacity());
-    ASSERT_TRUE(!TStringCoreForTest::IsInline(m_text) || m_text.length() <= 14);
+    ASSERT_TRUE(!qilsys::test::TStringCoreForTest::IsInline(m_text) || m_text.length() <= 14);
     ASSERT_EQ(UnitsOf(m_sharer), m_shared) << "edit " << m_edit << " wrote to a shared block";
   }
 

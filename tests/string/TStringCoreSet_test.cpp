@@ -200,7 +200,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Trim, AllWhiteSpaceGivesTheBlockUp) {
   TStringCore text(u' ', 40);
   text.trimLeft();
-  EXPECT_TRUE(TStringCoreForTest::IsInline(text));
+  EXPECT_TRUE(qilsys::test::TStringCoreForTest::IsInline(text));
   EXPECT_EQ(text.capacity(), 15);
 }
 
@@ -244,7 +244,7 @@ TEST(Trim, AWholeTextOfTheSetGivesTheBlockUpOnTheLeft) {
   TStringCore text = TStringCore(u"xy").repeated(20);
   text.trimLeft(u"xy");
   EXPECT_TRUE(text.empty());
-  EXPECT_TRUE(TStringCoreForTest::IsInline(text));
+  EXPECT_TRUE(qilsys::test::TStringCoreForTest::IsInline(text));
 }
 
 TEST(Trim, ASetInTheOwnText) {

@@ -43,7 +43,7 @@ TEST(TStringCoreThreads, CopiesOfOneStringAreCountedRight) {
       copy = moved;
     }
   });
-  EXPECT_EQ(TStringCoreForTest::References(text), 1);
+  EXPECT_EQ(qilsys::test::TStringCoreForTest::References(text), 1);
 }
 
 TEST(TStringCoreThreads, EachWriterGetsABlockOfItsOwn) {

@@ -11,7 +11,7 @@
 
 using namespace std::string_literals;
 using qilsys::test::UnitsOf;
-using Inside = TStringCoreForTest;
+using Inside = qilsys::test::TStringCoreForTest;
 
 namespace {
 

@@ -35,7 +35,8 @@ TEST(TStringException, KeepsItsText) {
 TEST(TStringException, HasFixedTexts) {
   EXPECT_EQ(UnitsOf(CapacityException().message), u"String capacity overflow.");
   EXPECT_EQ(UnitsOf(OutOfMemoryException().message), u"Out of memory");
-  EXPECT_TRUE(TStringCoreForTest::IsInline(OutOfMemoryException().message)) << "raising it must not allocate";
+  EXPECT_TRUE(qilsys::test::TStringCoreForTest::IsInline(OutOfMemoryException().message))
+      << "raising it must not allocate";
 }
 
 TEST(TStringException, OnlyTheBaseMovesItsMessage) {
