@@ -25,9 +25,9 @@ struct Stranger::Socket {
   udp::socket m_socket{m_context};
 };
 
-Stranger::Stranger(unsigned short port) : m_socket(std::make_unique<Socket>()) {
+Stranger::Stranger(unsigned short port, Claim claim) : m_socket(std::make_unique<Socket>()) {
   m_socket->m_socket.open(udp::v4());
-  loopback::HoldAlone(static_cast<std::uintptr_t>(m_socket->m_socket.native_handle()));
+  if (claim == Claim::Alone) loopback::HoldAlone(static_cast<std::uintptr_t>(m_socket->m_socket.native_handle()));
   m_socket->m_socket.bind(Endpoint(monitor::ReceiveAddress(), port));
 }
 

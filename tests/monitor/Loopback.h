@@ -20,10 +20,13 @@ Bytes BytesOf(const TValues& values) {
   return bytes;
 }
 
-/// A socket that holds `port` for itself alone, as a program would that knows nothing of the group.
+/// How a stranger asks for a port: as it comes, or for himself alone where the system knows of that.
+enum class Claim { Default, Alone };
+
+/// A socket that holds `port`, as a program would that knows nothing of the group.
 class Stranger {
  public:
-  explicit Stranger(unsigned short port);
+  explicit Stranger(unsigned short port, Claim claim = Claim::Alone);
   ~Stranger();
 
  private:

@@ -13,7 +13,7 @@
 
 namespace qilsys::test {
 
-// Who asks for a shared port gets it here, unless the first one has asked to be alone.
+// Under Wine who asks for a shared port gets it, unless the first one has asked to be alone.
 void loopback::HoldAlone(std::uintptr_t socket) {
   const BOOL on = TRUE;
   if (setsockopt(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, reinterpret_cast<const char*>(&on), sizeof on) != 0) {
@@ -21,7 +21,8 @@ void loopback::HoldAlone(std::uintptr_t socket) {
   }
 }
 
-// Windows refuses access to a port that is held exclusively; Wine says what the system beneath it says.
+// Windows refuses access to a port that was not asked to be shared, and calls one in use that is held exclusively; Wine
+// says what the system beneath it says.
 bool IsPortTaken(const boost::system::error_code& error) {
   return error.value() == WSAEACCES || error.value() == WSAEADDRINUSE;
 }

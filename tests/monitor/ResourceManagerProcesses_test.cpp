@@ -8,6 +8,7 @@
 #include "monitor/MemberProcess.h"
 #include "monitor/MonitoredProcess_platform.h"
 #include "monitor/ResourceValues.h"
+#include "qilsys/MonitoredProcess.h"
 #include "support/System.h"
 
 namespace qilsys::test {
