@@ -16,7 +16,7 @@ target_include_directories(qilsys_grpc_header SYSTEM INTERFACE ${QILSYS_GRPC_INC
 add_library(qilsys_dependencies INTERFACE)
 target_link_libraries(qilsys_dependencies INTERFACE qilsys_grpc_header Threads::Threads Boost::headers TBB::tbb ICU::uc)
 if(WIN32)
-  target_compile_definitions(qilsys_dependencies INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+  target_compile_definitions(qilsys_dependencies INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
   target_link_libraries(qilsys_dependencies INTERFACE bcrypt psapi powrprof ws2_32 mswsock)
 endif()
 
