@@ -87,7 +87,7 @@ void ResourceIpc::Send(const ResourceValuesV1& values) { m_sockets->Send(values)
 void ResourceIpc::Send(const ResourceValuesV2& values) { m_sockets->Send(values); }
 
 void ResourceIpc::Listen() {
-  if (m_terminateHandler != nullptr) std::set_terminate(m_terminateHandler);
+  std::set_terminate(m_terminateHandler);
   PostReceive();
   m_sockets->m_receiveContext.run();
   boost::system::error_code ignored;

@@ -22,7 +22,8 @@ class error_code;
 class ResourceIpc {
  public:
   /// Opens both sockets and starts listening. `onValues` and `logFunc` are called on the listening thread, which
-  /// installs `terminateHandler` unless it is null. A socket that can't be had throws `boost::system::system_error`.
+  /// installs `terminateHandler`, where null is the default handler. A socket that can't be had throws
+  /// `boost::system::system_error`.
   ResourceIpc(unsigned short port, std::function<void(const ResourceValuesV2&)> onValues,
               const std::function<void(const TStringCore&)>& logFunc, std::terminate_handler terminateHandler);
   ResourceIpc(const ResourceIpc&) = delete;

@@ -13,12 +13,19 @@ namespace {
 
 constexpr char File[] = "main/monitor/ResourceManagerImpl";
 
+std::uint64_t Magnitude(std::int64_t n) {
+  return n < 0 ? 0 - static_cast<std::uint64_t>(n) : static_cast<std::uint64_t>(n);
+}
+
 // How many checks make the sustained time. Settings that make no sense count as none, so that the buffer of the rolling
-// mean has room for one sample at least. It needs no room for more where there is no rolling mean, and "for ever" is
-// then a sustained time like any other.
+// mean has room for one sample at least. Where there is no rolling mean, "for ever" is a sustained time like any other:
+// then no room is kept for more than days of checks.
 std::size_t WindowOf(const ResourceManager::CpuConfig& cpu, const ResourceManager::GeneralConfig& general) {
-  if (!cpu.m_useRollingMean || general.m_checkIntervalSeconds <= 0 || cpu.m_sustainedSeconds <= 0) return 0;
-  return static_cast<std::size_t>(cpu.m_sustainedSeconds / general.m_checkIntervalSeconds);
+  constexpr std::uint64_t LongestUnused = 1 << 20;
+  const std::int64_t interval = general.m_checkIntervalSeconds;
+  if (interval == 0 || (cpu.m_sustainedSeconds < 0) != (interval < 0)) return 0;
+  const std::uint64_t window = Magnitude(cpu.m_sustainedSeconds) / Magnitude(interval);
+  return cpu.m_useRollingMean || window <= LongestUnused ? window : 0;
 }
 
 ResourceValuesVersion VersionOf(const ResourceManager::GeneralConfig& general) {
@@ -85,12 +92,14 @@ bool ResourceManagerImpl::LogLimits() {
 void ResourceManagerImpl::StartListening(unsigned short port) {
   Log(u"Resource Manager: listening on port " + TStringCore::number(port));
   QILSYS_LOGIC_ASSERT(!m_ipc, "!m_ipc", File, 94, 0x5D944982, "LogicException_LogicAssert_0x5D944982");
-  if (m_ipc) return;
-  m_ipc = std::make_unique<ResourceIpc>(
+  auto ipc = std::make_unique<ResourceIpc>(
       port, [this](const ResourceValuesV2& values) { OnValues(values); }, m_general.m_logFunc,
       m_general.m_terminateHandler);
+  const TScopedLock lock(m_ipcLock);
+  m_ipc.swap(ipc);
 }
 
+// A thread that runs can't be replaced.
 void ResourceManagerImpl::StartWorker() {
   QILSYS_LOGIC_ASSERT(!m_worker, "!m_worker", File, 101, 0xCF38B12E, "LogicException_LogicAssert_0xCF38B12E");
   if (m_worker) return;

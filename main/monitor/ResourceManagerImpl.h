@@ -114,6 +114,9 @@ class ResourceManagerImpl {
   /// Drops every member but this one that has been silent for its own interval.
   void PurgePeers();
 
+  /// What the worker thread does.
+  void Work();
+
   /// The worker's work from the end of one wait up to the next; `stopped` tells that the stop event ended the wait.
   NextWait Advance(WorkerState& state, MonitoredProcess& self, bool stopped);
 
@@ -143,7 +146,8 @@ class ResourceManagerImpl {
   ReclaimFunctions m_cpuReclaim;
   ReclaimFunctions m_memoryReclaim;
 
-  // The thread that starts and stops. The worker sends by m_ipc, which is there before it and goes after it.
+  // The thread that starts and stops. It makes m_ipc before the worker, which sends by it under m_ipcLock, and takes it
+  // away after the worker.
   std::unique_ptr<ResourceIpc> m_ipc;
   std::unique_ptr<std::thread> m_worker;
   /// Has never been made; who makes one finds it joined.
@@ -151,6 +155,8 @@ class ResourceManagerImpl {
 
   // Any thread.
   TRecursiveMutex m_peersLock;
+  /// Held while the worker sends, and while a second start, after an assertion's hook that returns, changes the port.
+  TRecursiveMutex m_ipcLock;
   TEvent m_stopEvent;
 
   // The worker only.
@@ -201,7 +207,6 @@ class ResourceManagerImpl {
   bool LogLimits();
   void StartListening(unsigned short port);
   void StartWorker();
-  void Work();
   std::chrono::milliseconds CheckInterval() const;
 
   bool AskToReclaim(const Policy& policy, const ResourceValuesV2& values);

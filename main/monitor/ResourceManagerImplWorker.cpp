@@ -17,7 +17,7 @@ constexpr char File[] = "main/monitor/ResourceManagerImpl";
 }  // namespace
 
 void ResourceManagerImpl::Work() {
-  if (m_general.m_terminateHandler != nullptr) std::set_terminate(m_general.m_terminateHandler);
+  std::set_terminate(m_general.m_terminateHandler);
   MonitoredProcess self;
   WorkerState state;
   NextWait wait = MillisecondsOf(m_general.m_startDelaySeconds);
@@ -82,6 +82,7 @@ void ResourceManagerImpl::Send(const ResourceValuesV2& values) {
   QILSYS_LOGIC_ASSERT(known,
                       "ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2",
                       File, 479, 0x044A63AC, "LogicException_LogicAssert_0x044A63AC");
+  const TScopedLock lock(m_ipcLock);
   if (m_rvVersion == ResourceValuesVersion::VER_1) m_ipc->Send(Narrow(values));
   if (m_rvVersion == ResourceValuesVersion::VER_2) m_ipc->Send(values);
 }

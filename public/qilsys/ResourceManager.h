@@ -86,7 +86,8 @@ class QILSYS_API ResourceManager {
     /// thread, so it must not call `Stop`; the worker ends after it.
     std::function<void(unsigned char, const TStringCore&)> m_terminateFunc;
     /// Installed with `std::set_terminate` by the monitor's threads, which on many systems is for the whole process:
-    /// what escapes from a callback or a failed send ends up there. Null leaves the handler that is in place.
+    /// what escapes from a callback or a failed send ends up there. Null is installed too, as the default handler; a
+    /// host that wants to keep the one in place passes `std::get_terminate()`.
     std::terminate_handler m_terminateHandler = nullptr;
     /// Sends the older, shorter datagram. Both are always understood.
     bool m_useVersion1 = false;

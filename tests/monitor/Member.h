@@ -115,6 +115,7 @@ class Member : public ResourceManagerImpl {
   using ResourceManagerImpl::ReclaimCpu;
   using ResourceManagerImpl::ReclaimMemory;
   using ResourceManagerImpl::Send;
+  using ResourceManagerImpl::Work;
 
   /// One step of the worker; `stopped` tells how the wait before it ended.
   NextWait Step(bool stopped = false) { return Advance(m_state, m_self, stopped); }

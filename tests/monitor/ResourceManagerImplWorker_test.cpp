@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <exception>
+#include <thread>
+
 #include "monitor/Member.h"
 
 namespace qilsys::test {
@@ -25,6 +29,31 @@ Member& PastTheSustainedTime(Member& member, unsigned int percent) {
   member.m_reading.m_cpuPercent = percent;
   member.m_highCpuSince = 0;
   return member;
+}
+
+/// The handler that the worker leaves behind where `before` was in place, on its own thread: some systems keep one for
+/// each.
+std::terminate_handler HandlerOfWorker(std::terminate_handler given, std::terminate_handler before) {
+  Settings settings;
+  settings.Cpu(50).m_general.m_terminateHandler = given;
+  Member member(settings);
+  member.m_stopEvent.Signal();
+  std::terminate_handler seen = nullptr;
+  std::thread([&] {
+    std::set_terminate(before);
+    member.Work();
+    seen = std::get_terminate();
+  }).join();
+  return seen;
+}
+
+TEST(WorkerTest, TheTerminateHandlerIsInstalledAsGiven) {
+  const std::terminate_handler before = std::get_terminate();
+  const std::terminate_handler mine = [] { std::_Exit(1); };
+  const std::terminate_handler other = [] { std::_Exit(2); };
+  EXPECT_EQ(HandlerOfWorker(mine, other), mine);
+  EXPECT_NE(HandlerOfWorker(nullptr, other), other) << "null is the default handler";
+  std::set_terminate(before);
 }
 
 TEST(WorkerTest, StopDuringTheDelayEndsItWithoutASample) {

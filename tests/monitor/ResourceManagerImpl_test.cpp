@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <boost/system/system_error.hpp>
+#include <exception>
+#include <limits>
 #include <mutex>
 
 #include "monitor/ChildProcess.h"
@@ -51,6 +53,7 @@ class RealMember : public ResourceManagerImpl {
 
   using ResourceManagerImpl::GetReportTime;
   using ResourceManagerImpl::GetSteadyTime;
+  using ResourceManagerImpl::m_cpuWindow;
   using ResourceManagerImpl::m_ipc;
   using ResourceManagerImpl::m_ownValues;
   using ResourceManagerImpl::m_peers;
@@ -63,7 +66,7 @@ class RealMember : public ResourceManagerImpl {
     TScopedLock lock(m_peersLock);
     return m_peers.size();
   }
-  bool HeardItself() {
+  bool HeardSomebody() {
     return Eventually([this] { return CountPeers() > 0; });
   }
 };
@@ -135,17 +138,32 @@ TEST(StartMonitoringTest, ASecondStartIsAnAssertion) {
   EXPECT_EQ(CatchAssertion([&] { member.StartMonitoring(FreePort()); }), s_workerSet);
 }
 
-TEST(StartMonitoringTest, AHookThatReturnsLeavesTheFirstStartInPlace) {
+TEST(StartMonitoringTest, AHookThatReturnsListensOnTheNewPortAndKeepsTheWorker) {
   SharedSettings settings;
   settings.Cpu(50);
   RealMember member(settings);
   member.StartMonitoring(FreePort());
-  const ResourceIpc* ipc = member.m_ipc.get();
   const std::thread* worker = member.m_worker.get();
-  const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) {});
+  const unsigned short port = FreePort();
+  const RecordedAssertions assertions;
+  member.StartMonitoring(port);
+  EXPECT_EQ(assertions.All(), (std::vector{s_ipcSet, s_workerSet}));
+  EXPECT_EQ(member.m_worker.get(), worker) << "a thread that runs can't be replaced";
+  Sender(port).SendValues(PeerValues(1, 0));
+  EXPECT_TRUE(member.HeardSomebody());
+  EXPECT_EQ(settings.Copy().back(), "Resource Manager: listening thread has stopped") << "that of the first port";
+}
+
+// The sending has its own lock for this; that it needs one shows under a sanitizer.
+TEST(StartMonitoringTest, AHookThatReturnsExchangesThePortUnderAWorkerThatSends) {
+  SharedSettings settings;
+  settings.Cpu(50).Interval(0).m_general.m_startDelaySeconds = 0;
+  RealMember member(settings);
   member.StartMonitoring(FreePort());
-  EXPECT_EQ(member.m_ipc.get(), ipc);
-  EXPECT_EQ(member.m_worker.get(), worker);
+  const RecordedAssertions assertions;
+  for (int i = 0; i < 20; ++i) member.StartMonitoring(FreePort());
+  EXPECT_EQ(assertions.All().size(), 40U);
+  EXPECT_TRUE(member.HeardSomebody());
 }
 
 TEST(StartMonitoringTest, ATakenPortPassesTheFailureOn) {
@@ -157,6 +175,41 @@ TEST(StartMonitoringTest, ATakenPortPassesTheFailureOn) {
   EXPECT_THROW(member.StartMonitoring(port), boost::system::system_error);
   EXPECT_EQ(member.m_ipc, nullptr);
   EXPECT_EQ(member.m_worker, nullptr);
+}
+
+struct WindowRow {
+  const char* m_name;
+  std::int64_t m_sustained;
+  std::int64_t m_interval;
+  bool m_rollingMean;
+  std::size_t m_capacity;
+};
+
+class WindowTest : public testing::TestWithParam<WindowRow> {};
+
+TEST_P(WindowTest, HasRoomForTheChecksOfTheSustainedTimeAndOneMore) {
+  Settings settings;
+  settings.Cpu(50, GetParam().m_sustained).Interval(GetParam().m_interval);
+  settings.m_cpu.m_useRollingMean = GetParam().m_rollingMean;
+  const RealMember member(settings);
+  EXPECT_EQ(member.m_cpuWindow.capacity(), GetParam().m_capacity);
+}
+
+constexpr std::int64_t s_forEver = std::numeric_limits<std::int64_t>::max();
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, WindowTest,
+    testing::Values(WindowRow{"RollingMean", 10, 5, true, 3}, WindowRow{"NoRollingMean", 10, 5, false, 3},
+                    WindowRow{"Truncated", 11, 4, false, 3}, WindowRow{"BelowTheInterval", 4, 5, false, 1},
+                    WindowRow{"BothNegative", -10, -5, false, 3}, WindowRow{"NegativeSustained", -10, 5, false, 1},
+                    WindowRow{"NegativeInterval", 10, -5, true, 1}, WindowRow{"NoInterval", 10, 0, true, 1},
+                    WindowRow{"LowestByMinusOne", -s_forEver - 1, -1, false, 1},
+                    WindowRow{"ForEverWithoutRollingMean", s_forEver, 1, false, 1}),
+    [](const auto& row) { return row.param.m_name; });
+
+// Nothing holds so many samples.
+TEST(WindowTest, ForEverIsNoTimeForARollingMean) {
+  EXPECT_THROW(RealMember(Settings().Cpu(50, s_forEver).RollingMean()), std::exception);
 }
 
 TEST(OwnValuesTest, AreMadeFromTheSettings) {
@@ -176,7 +229,7 @@ class SamplingTest : public testing::Test {
     member.StartMonitoring(FreePort());
     MonitoredProcess self;
     member.UpdateResourceValues(self, member.m_ownValues);
-    EXPECT_TRUE(member.HeardItself());
+    EXPECT_TRUE(member.HeardSomebody());
     return member.m_ownValues;
   }
 
