@@ -68,9 +68,8 @@ endif()
 
 add_library(qilsys_warnings INTERFACE)
 if(MSVC)
-  # 4251: an exported class may hold a type of the C++ library, which all that link this one share.
   # 4324: what is aligned on purpose is padded on purpose.
-  target_compile_options(qilsys_warnings INTERFACE /W4 /wd4251 /wd4324 $<$<BOOL:${QILSYS_WARNINGS_AS_ERRORS}>:/WX>)
+  target_compile_options(qilsys_warnings INTERFACE /W4 /wd4324 $<$<BOOL:${QILSYS_WARNINGS_AS_ERRORS}>:/WX>)
 else()
   target_compile_options(qilsys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
                                                    $<$<BOOL:${QILSYS_WARNINGS_AS_ERRORS}>:-Werror>)
