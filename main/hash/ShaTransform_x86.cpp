@@ -139,6 +139,7 @@ QILSYS_NOINLINE void FeedFourAvx2(uint64_t* state, const Sha512Quad::Schedule& n
 QILSYS_TARGET("avx2,bmi,bmi2")
 void Sha512Avx2(uint64_t* state, const unsigned char* blocks, size_t count) {
   const size_t left = Sha512Quad::Transform<FeedFourAvx2>(state, blocks, count);
+  cpu::LeaveWideRegisters();
   ShaRounds::Transform<ShaRounds::Words512>(state, blocks, left);
 }
 
@@ -151,6 +152,7 @@ QILSYS_NOINLINE void FeedFourAvx512(uint64_t* state, const Sha512Quad::Schedule&
 QILSYS_TARGET("avx512vl,avx2,bmi,bmi2")
 void Sha512Avx512(uint64_t* state, const unsigned char* blocks, size_t count) {
   const size_t left = Sha512Quad::Transform<FeedFourAvx512>(state, blocks, count);
+  cpu::LeaveWideRegisters();
   ShaRounds::Transform<ShaRounds::Words512>(state, blocks, left);
 }
 

@@ -1,3 +1,4 @@
+// Comparing: by vectors where the lengths are known, unit by unit where a text ends at its NUL.
 #include "search/Search.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Single units: all by vectors.
 #include "search/Search.h"
 
 #include <algorithm>

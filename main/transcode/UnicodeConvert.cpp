@@ -1,3 +1,4 @@
+// Whole buffers converted: by the kernel as far as it goes, and by ICU, whose statuses become exceptions.
 #include "qilsys/Unicode.h"
 
 #include <unicode/ustring.h>

@@ -212,6 +212,7 @@ QILSYS_AVX2 Progress FromUtf8Avx2(const char* source, size_t length, TCodeUnit* 
       ends >>= consumed;
     }
   }
+  cpu::LeaveWideRegisters();
   return {static_cast<size_t>(source - begin), static_cast<size_t>(target - targetBegin)};
 }
 

@@ -1,3 +1,4 @@
+// Whole buffers measured. All sums are made in 64 bits.
 #include "qilsys/Unicode.h"
 
 #include <climits>

@@ -1,3 +1,4 @@
+// Counting and copying by code point, and the ways into the texts of the standard library.
 #include "qilsys/Unicode.h"
 
 #include <climits>
