@@ -74,16 +74,18 @@ using namespace quillon::memory;
 
 void* TMalloc(std::size_t size) {
   void* block = std::malloc(size);
-  if (Tracks() && !g_redirected) [[unlikely]]
+  if (Tracks() && !g_redirected) [[unlikely]] {
     CountAllocation(block);
+  }
   return block;
 }
 
 void* TCalloc(std::size_t count, std::size_t size) { return TMalloc(count * size); }
 
 void* TRealloc(void* block, std::size_t size) {
-  if (!Tracks() || g_redirected) [[likely]]
+  if (!Tracks() || g_redirected) [[likely]] {
     return std::realloc(block, size);
+  }
   CountReallocation(block);
   void* moved = std::realloc(block, size);
   CountAllocation(moved);
@@ -91,8 +93,9 @@ void* TRealloc(void* block, std::size_t size) {
 }
 
 void TFree(void* block) {
-  if (TracksFrees() && !g_redirected) [[unlikely]]
+  if (TracksFrees() && !g_redirected) [[unlikely]] {
     CountFree(block);
+  }
   std::free(block);
 }
 

@@ -5,38 +5,33 @@
 
 #include "qilsys/TMemory.h"
 
-// Initial-exec: the variable lies in the room that a thread is born with, so that reading it never allocates.
+// The initial-exec model of thread-local storage: the variable lies in memory that a thread is started with. The general
+// model would allocate when a thread first reads it, in the middle of an allocation.
 #if defined(__GNUC__)
-#define QILSYS_BORN_WITH_THREAD [[gnu::tls_model("initial-exec")]]
+#define QILSYS_INITIAL_EXEC_TLS [[gnu::tls_model("initial-exec")]]
 #else
-#define QILSYS_BORN_WITH_THREAD
+#define QILSYS_INITIAL_EXEC_TLS
 #endif
-
-class TCancelEvent;
 
 namespace AsyncTask {
 
-class IWaitHandler;
-
 /// Everything the library keeps for one thread. Zero-initialised, trivially destructible and reachable without
-/// allocation, so the entry points may use it at any moment of a thread's life. The two accounting fields stay in
-/// front.
+/// allocation, so the entry points may use it at any moment of a thread's life. What tasks will keep here comes behind
+/// these two fields of the accounting.
 struct ThreadBlock {
+  /// The record of the innermost scope that counts; null at first.
   quillon::memory::ThreadMemoryCounters* memoryCounters;
+  /// For the order of a thread's records (`orderingId`). The scopes that draw from it are not built yet.
   std::uint64_t orderingCounter;
-  std::uint64_t depth;
-  void (*threadCleanupFunc)();
-  TCancelEvent* cancelEvent;
-  IWaitHandler* waitHandler;
 };
 
-extern constinit thread_local ThreadBlock t_threadBlock QILSYS_BORN_WITH_THREAD;
+extern constinit thread_local ThreadBlock t_threadBlock QILSYS_INITIAL_EXEC_TLS;
 
 }  // namespace AsyncTask
 
 namespace quillon::memory {
 
-/// Plain global by design: see SetMemoryTrackingMode.
+/// Plain by design, for the speed of every allocation: a host sets the mode at start-up, before it starts threads.
 extern MemoryTrackingMode g_trackingMode;
 
 }  // namespace quillon::memory

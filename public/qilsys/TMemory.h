@@ -9,7 +9,8 @@
 
 namespace quillon::memory {
 
-/// What is accounted for. One process-wide mode, NoTracking at first, set once at start-up (see MemoryCounter.h).
+/// What is accounted for. One mode for the process, NoTracking at first. The counters by scope, with which a host will
+/// set it and read the figures, are not built yet.
 enum class MemoryTrackingMode : std::int32_t {
   NoTracking = 0,
   AllocationsOnly = 1,  ///< Frees are not tracked.
