@@ -12,16 +12,16 @@
 
 namespace {
 
-constexpr char16_t s_template[] = u"Loaded %1 of %2 rows from %3 in %4 s";
-constexpr char16_t s_wanted[] = u"Loaded 12345 of 4000000000 rows from orders in 1.25 s";
+constexpr char16_t Template[] = u"Loaded %1 of %2 rows from %3 in %4 s";
+constexpr char16_t Wanted[] = u"Loaded 12345 of 4000000000 rows from orders in 1.25 s";
 
 TStringCore FourMixed(const TStringCore& name) {
-  return TFormatStringCore(s_template).arg(12345).arg(4000000000U).arg(name).arg(1.25).result();
+  return TFormatStringCore(Template).arg(12345).arg(4000000000U).arg(name).arg(1.25).result();
 }
 
 void FormatFourMixed(benchmark::State& state) {
   const TStringCore name(u"orders");
-  if (!(FourMixed(name) == TStringCore(s_wanted))) return state.SkipWithError("the text is wrong");
+  if (!(FourMixed(name) == TStringCore(Wanted))) return state.SkipWithError("the text is wrong");
   for (auto _ : state) {
     TStringCore text = FourMixed(name);
     benchmark::DoNotOptimize(text);
@@ -32,7 +32,7 @@ BENCHMARK(FormatFourMixed);
 // The template is set once and filled again and again.
 void FormatFourMixedAgain(benchmark::State& state) {
   const TStringCore name(u"orders");
-  TFormatStringCore format(s_template);
+  TFormatStringCore format(Template);
   for (auto _ : state) {
     format.clearParms();
     TStringCore text = format.arg(12345).arg(4000000000U).arg(name).arg(1.25).result();
@@ -43,7 +43,7 @@ BENCHMARK(FormatFourMixedAgain);
 
 void FormatFourIntegers(benchmark::State& state) {
   for (auto _ : state) {
-    TStringCore text = TFormatStringCore(s_template).arg(12345).arg(67).arg(890123).arg(4).result();
+    TStringCore text = TFormatStringCore(Template).arg(12345).arg(67).arg(890123).arg(4).result();
     benchmark::DoNotOptimize(text);
   }
 }
@@ -51,7 +51,7 @@ BENCHMARK(FormatFourIntegers);
 
 void FormatTemplateAlone(benchmark::State& state) {
   for (auto _ : state) {
-    TFormatStringCore format(s_template);
+    TFormatStringCore format(Template);
     benchmark::DoNotOptimize(format);
   }
 }
@@ -83,8 +83,8 @@ BENCHMARK(PrintfFourMixed);
 #ifdef QILSYS_BENCHMARK_PEERS
 void QtFourMixed(benchmark::State& state) {
   const QString name = QStringLiteral("orders");
-  const auto make = [&] { return QString::fromUtf16(s_template).arg(12345).arg(4000000000U).arg(name).arg(1.25); };
-  if (make() != QString::fromUtf16(s_wanted)) return state.SkipWithError("the text is wrong");
+  const auto make = [&] { return QString::fromUtf16(Template).arg(12345).arg(4000000000U).arg(name).arg(1.25); };
+  if (make() != QString::fromUtf16(Wanted)) return state.SkipWithError("the text is wrong");
   for (auto _ : state) {
     QString text = make();
     benchmark::DoNotOptimize(text);

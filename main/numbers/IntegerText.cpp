@@ -5,8 +5,8 @@
 namespace qilsys::numbers {
 namespace {
 
-constexpr char s_digits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
-constexpr char s_digitsOfBase64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr char DigitsTo36[] = "0123456789abcdefghijklmnopqrstuvwxyz";
+constexpr char DigitsOfBase64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 constexpr int NoShift = 0;
 
@@ -34,7 +34,7 @@ auto ByBits(int base, Action action) {
 
 template <int Bits>
 TCodeUnit* WriteByShift(TCodeUnit* end, std::uint64_t value) {
-  constexpr const char* Digits = Bits == 6 ? s_digitsOfBase64 : s_digits;
+  constexpr const char* Digits = Bits == 6 ? DigitsOfBase64 : DigitsTo36;
   constexpr std::uint64_t Mask = (std::uint64_t{1} << Bits) - 1;
   do {
     *--end = static_cast<TCodeUnit>(Digits[value & Mask]);
@@ -49,12 +49,12 @@ TCodeUnit* WriteByDivision(TCodeUnit* end, std::uint64_t value, unsigned base) {
   while (value >= square) {
     const auto pair = static_cast<unsigned>(value % square);
     value /= square;
-    *--end = static_cast<TCodeUnit>(s_digits[pair % base]);
-    *--end = static_cast<TCodeUnit>(s_digits[pair / base]);
+    *--end = static_cast<TCodeUnit>(DigitsTo36[pair % base]);
+    *--end = static_cast<TCodeUnit>(DigitsTo36[pair / base]);
   }
   auto rest = static_cast<unsigned>(value);
   do {
-    *--end = static_cast<TCodeUnit>(s_digits[rest % base]);
+    *--end = static_cast<TCodeUnit>(DigitsTo36[rest % base]);
     rest /= base;
   } while (rest != 0);
   return end;

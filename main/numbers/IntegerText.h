@@ -10,7 +10,7 @@
 
 namespace qilsys::numbers {
 
-inline constexpr std::array<std::uint64_t, 20> s_powersOfTen = [] {
+inline constexpr std::array<std::uint64_t, 20> PowersOfTen = [] {
   std::array<std::uint64_t, 20> powers{};
   std::uint64_t power = 1;
   for (std::uint64_t& each : powers) {
@@ -22,7 +22,7 @@ inline constexpr std::array<std::uint64_t, 20> s_powersOfTen = [] {
 
 /// "00" to "99" in units of the target, so that a division yields two digits and one store writes them.
 template <class Unit>
-inline constexpr std::array<Unit, 200> s_digitPairs = [] {
+inline constexpr std::array<Unit, 200> DigitPairs = [] {
   std::array<Unit, 200> pairs{};
   for (unsigned i = 0; i < 100; ++i) {
     pairs[2 * i] = static_cast<Unit>('0' + i / 10);
@@ -33,7 +33,7 @@ inline constexpr std::array<Unit, 200> s_digitPairs = [] {
 
 template <class Unit>
 void WriteDigitPair(Unit* to, unsigned pair) {
-  std::memcpy(to, &s_digitPairs<Unit>[pair * 2], 2 * sizeof(Unit));
+  std::memcpy(to, &DigitPairs<Unit>[pair * 2], 2 * sizeof(Unit));
 }
 
 /// Number of decimal digits of `value`, 1 for zero.
@@ -41,7 +41,7 @@ inline int DecimalLength(std::uint64_t value) {
   const std::uint64_t positive = value | 1;
   // 1233 / 4096 is log10(2), close enough for 64 bits to be one short at most, which the table mends.
   const int guess = static_cast<int>(std::bit_width(positive)) * 1233 >> 12;
-  return guess + (positive >= s_powersOfTen[static_cast<unsigned>(guess)] ? 1 : 0);
+  return guess + (positive >= PowersOfTen[static_cast<unsigned>(guess)] ? 1 : 0);
 }
 
 /// Writes the decimal digits of `value` so that they end before `end`; returns where they begin. `Unit` is TCodeUnit,

@@ -58,7 +58,7 @@ struct Decimal {
 
 void Round(Decimal& decimal, const FixedPoint& rest) {
   if (!rest.RoundsUp(decimal.places > 0 ? decimal.behind : decimal.whole)) return;
-  if (++decimal.behind < numbers::s_powersOfTen[static_cast<unsigned>(decimal.places)]) return;
+  if (++decimal.behind < PowersOfTen[static_cast<unsigned>(decimal.places)]) return;
   decimal.behind = 0;
   ++decimal.whole;
 }
@@ -79,27 +79,27 @@ void DropZeros(Decimal& decimal) {
 std::optional<Decimal> WithSignificantDigits(FixedPoint number, int digits) {
   Decimal decimal{number.whole};
   if (number.whole == 0 && number.fraction == 0) return decimal;
-  int significant = number.whole == 0 ? 0 : numbers::DecimalLength(number.whole);
+  int significant = number.whole == 0 ? 0 : DecimalLength(number.whole);
   if (significant > digits) return std::nullopt;
   for (; significant < digits; ++decimal.places) {
     decimal.behind = decimal.behind * 10 + number.NextDigit();
     if (decimal.behind != 0 || significant > 0) ++significant;
   }
   Round(decimal, number);
-  if (numbers::DecimalLength(decimal.whole) > digits) return std::nullopt;
+  if (DecimalLength(decimal.whole) > digits) return std::nullopt;
   DropZeros(decimal);
   return decimal;
 }
 
 void Write(DoubleText& text, const Decimal& decimal) {
-  const int wholeLength = numbers::DecimalLength(decimal.whole);
+  const int wholeLength = DecimalLength(decimal.whole);
   text.length += wholeLength;
-  numbers::WriteDecimalBefore(text.characters + text.length, decimal.whole);
+  WriteDecimalBefore(text.characters + text.length, decimal.whole);
   if (decimal.places == 0) return;
   text.Append('.');
   char* const first = text.characters + text.length;
   text.length += decimal.places;
-  char* digits = numbers::WriteDecimalBefore(text.characters + text.length, decimal.behind);
+  char* digits = WriteDecimalBefore(text.characters + text.length, decimal.behind);
   while (digits != first) *--digits = '0';
 }
 

@@ -25,7 +25,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-const char* const s_file = "main/thread/Cancel";
+const char* const SourceFile = "main/thread/Cancel";
 
 QuillonError SomeError() { return QuillonError::MakeError(0x5E7B883F, u"LogicException_LogicAssert_0x5E7B883F"); }
 
@@ -63,7 +63,7 @@ LogicException CatchWithoutHook(Report report, std::string& channel) {
 TEST(ThrowLogicException, WithoutHookRaisesTheReasonUnderOneCode) {
   std::string channel;
   const LogicException exception =
-      CatchWithoutHook([] { ThrowLogicException(s_file, 91, "nullptr != ptr", SomeError()); }, channel);
+      CatchWithoutHook([] { ThrowLogicException(SourceFile, 91, "nullptr != ptr", SomeError()); }, channel);
   const std::string text =
       "LogicAssert failed (but no hook has been set) at main/thread/Cancel line 91: nullptr != ptr";
   EXPECT_EQ(Utf8(exception.GetInternalMessage()), text);
@@ -103,8 +103,8 @@ TEST(LogicAssertHook, IsNullAtStart) { EXPECT_EQ(AssertHooks::GetLogicAssertHook
 
 TEST(LogicAssertHook, SeesTheSiteAndLetsTheCodeRunOn) {
   const RecordedAssertions asserts;
-  ThrowLogicException(s_file, 91, "nullptr != ptr", SomeError());
-  EXPECT_EQ(asserts.All(), (std::vector{CaughtAssertion{s_file, 91, "nullptr != ptr", 0x5E7B883F,
+  ThrowLogicException(SourceFile, 91, "nullptr != ptr", SomeError());
+  EXPECT_EQ(asserts.All(), (std::vector{CaughtAssertion{SourceFile, 91, "nullptr != ptr", 0x5E7B883F,
                                                         "LogicException_LogicAssert_0x5E7B883F"}}));
 }
 
@@ -199,7 +199,7 @@ TEST_P(LogicExceptionConstructor, KeepsTheReasonFromTheMessages) {
             std::string("Internal error.\n\nLogicException details: ") + GetParam().internalMessage + "\n");
 }
 
-const TFormatStringCore s_format = TFormatStringCore(u"%1 of %1").arg(TStringCore(u"one"));
+const TFormatStringCore OneOfOne = TFormatStringCore(u"%1 of %1").arg(TStringCore(u"one"));
 
 INSTANTIATE_TEST_SUITE_P(
     Table, LogicExceptionConstructor,
@@ -207,9 +207,9 @@ INSTANTIATE_TEST_SUITE_P(
                                    0x5E7B883F, 8, 10},
                     ConstructorRow{"TextAndError", [] { return LogicException(u"reason", SomeError()); }, "reason",
                                    0x5E7B883F, 4, 2},
-                    ConstructorRow{"FormatAndRecord", [] { return LogicException(s_format, SomeInfo()); }, "one of one",
+                    ConstructorRow{"FormatAndRecord", [] { return LogicException(OneOfOne, SomeInfo()); }, "one of one",
                                    0x5E7B883F, 8, 10},
-                    ConstructorRow{"FormatAndError", [] { return LogicException(s_format, SomeError()); }, "one of one",
+                    ConstructorRow{"FormatAndError", [] { return LogicException(OneOfOne, SomeError()); }, "one of one",
                                    0x5E7B883F, 4, 2},
                     ConstructorRow{"EmptyText", [] { return LogicException(u"", SomeInfo()); }, "No details given",
                                    0x5E7B883F, 8, 10},

@@ -57,31 +57,32 @@ TEST_P(QuillonExceptionConstructor, FillsListsAndRecord) {
   EXPECT_EQ(Utf8(GetParam().exception.GetErrorName()), Utf8(GetParam().info.GetQuillonError().GetCodeName()));
 }
 
-const TError::ErrorInfo s_none = TError::ErrorInfo::NoError();
-const List s_list = {u"one", u"", u"two"};
+const TError::ErrorInfo NoErrorInfo = TError::ErrorInfo::NoError();
+const List ThreeMessages = {u"one", u"", u"two"};
 
 INSTANTIATE_TEST_SUITE_P(
     Table, QuillonExceptionConstructor,
     testing::Values(
-        ConstructorRow{"Nothing", QuillonException(), {}, {}, s_none},
+        ConstructorRow{"Nothing", QuillonException(), {}, {}, NoErrorInfo},
         ConstructorRow{"Record", QuillonException(SomeInfo()), {}, {}, SomeInfo()},
-        ConstructorRow{"Text", QuillonException(TStringCore(u"text")), {"text"}, {}, s_none},
-        ConstructorRow{"LiteralText", QuillonException(u"100%"), {"100%"}, {}, s_none},
-        ConstructorRow{"EmptyText", QuillonException(TStringCore()), {}, {}, s_none},
+        ConstructorRow{"Text", QuillonException(TStringCore(u"text")), {"text"}, {}, NoErrorInfo},
+        ConstructorRow{"LiteralText", QuillonException(u"100%"), {"100%"}, {}, NoErrorInfo},
+        ConstructorRow{"EmptyText", QuillonException(TStringCore()), {}, {}, NoErrorInfo},
         ConstructorRow{"TextAndRecord", QuillonException(u"text", SomeInfo()), {"text"}, {}, SomeInfo()},
         ConstructorRow{"EmptyTextAndRecord", QuillonException(u"", SomeInfo()), {}, {}, SomeInfo()},
-        ConstructorRow{"Format", QuillonException(Format("text")), {"text"}, {"text"}, s_none},
-        ConstructorRow{"EmptyFormat", QuillonException(Format("")), {}, {}, s_none},
+        ConstructorRow{"Format", QuillonException(Format("text")), {"text"}, {"text"}, NoErrorInfo},
+        ConstructorRow{"EmptyFormat", QuillonException(Format("")), {}, {}, NoErrorInfo},
         ConstructorRow{"FormatAndRecord", QuillonException(Format("text"), SomeInfo()), {"text"}, {"text"}, SomeInfo()},
         ConstructorRow{"EmptyFormatAndRecord", QuillonException(Format(""), SomeInfo()), {}, {}, SomeInfo()},
-        ConstructorRow{"List", QuillonException(s_list), {"one", "", "two"}, {}, s_none},
-        ConstructorRow{"ListAndRecord", QuillonException(s_list, SomeInfo()), {"one", "", "two"}, {}, SomeInfo()},
+        ConstructorRow{"List", QuillonException(ThreeMessages), {"one", "", "two"}, {}, NoErrorInfo},
+        ConstructorRow{
+            "ListAndRecord", QuillonException(ThreeMessages, SomeInfo()), {"one", "", "two"}, {}, SomeInfo()},
         ConstructorRow{"Foreign",
                        QuillonException(std::runtime_error(TStringCore("caf\xC3\xA9").toLocal8Bit())),
                        {"caf\xC3\xA9"},
                        {},
-                       s_none},
-        ConstructorRow{"ForeignEmpty", QuillonException(std::runtime_error("")), {}, {}, s_none},
+                       NoErrorInfo},
+        ConstructorRow{"ForeignEmpty", QuillonException(std::runtime_error("")), {}, {}, NoErrorInfo},
         ConstructorRow{
             "ForeignAndRecord", QuillonException(std::runtime_error("text"), SomeInfo()), {"text"}, {}, SomeInfo()}),
     qilsys::test::RowName<ConstructorRow>);
@@ -262,7 +263,7 @@ TEST(QuillonExceptionMessages, ABadFormatLeavesTheListsAsTheyWere) {
 }
 
 TEST(QuillonExceptionMessages, VectorIsACopyInOrder) {
-  EXPECT_EQ(Utf8All(QuillonException(s_list).GetMessagesVector()), (Lines{"one", "", "two"}));
+  EXPECT_EQ(Utf8All(QuillonException(ThreeMessages).GetMessagesVector()), (Lines{"one", "", "two"}));
   EXPECT_TRUE(QuillonException().GetMessagesVector().empty());
 }
 
@@ -375,7 +376,7 @@ TEST(QuillonOutOfMemoryException, FromARecordAloneHasItsOneText) {
 TEST(QuillonOutOfMemoryException, OtherFormsAddNoText) {
   EXPECT_EQ(MessagesOf(QuillonOutOfMemoryException(u"text", SomeInfo())), Lines{"text"});
   EXPECT_EQ(MessagesOf(QuillonOutOfMemoryException(u"", SomeInfo())), Lines{});
-  EXPECT_EQ(MessagesOf(QuillonOutOfMemoryException(s_list, SomeInfo())), (Lines{"one", "", "two"}));
+  EXPECT_EQ(MessagesOf(QuillonOutOfMemoryException(ThreeMessages, SomeInfo())), (Lines{"one", "", "two"}));
 }
 
 TEST(QuillonUserErrorException, BehavesAsItsBase) {

@@ -415,44 +415,42 @@ TEST_P(ErrorInfoReaderProblem, IsToldByItsNumber) {
   }
 }
 
-const std::string s_goodCode = "0x00000001";
-const std::string s_goodSource = "Client";
+const std::string GoodCode = "0x00000001";
+const std::string GoodSource = "Client";
 
 INSTANTIATE_TEST_SUITE_P(
     Table, ErrorInfoReaderProblem,
-    testing::Values(ProblemRow{"StatusEmpty", {s_goodCode, s_goodSource, ""}, 1},
-                    ProblemRow{"StatusNegative", {s_goodCode, s_goodSource, "-1"}, 1},
-                    ProblemRow{"StatusOfThreeDigits", {s_goodCode, s_goodSource, "100"}, 1},
-                    ProblemRow{"StatusWithLineFeed", {s_goodCode, s_goodSource, "1\n"}, 1},
-                    ProblemRow{"StatusWithSpace", {s_goodCode, s_goodSource, " 1"}, 1},
-                    ProblemRow{"StatusArabicDigit", {s_goodCode, s_goodSource, "\xD9\xA1"}, 1},
-                    ProblemRow{"StatusName", {s_goodCode, s_goodSource, "OK"}, 1},
-                    ProblemRow{"StatusEmbeddedNul", {s_goodCode, s_goodSource, std::string("1\0", 2)}, 1},
-                    ProblemRow{"SourceEmpty", {s_goodCode, "", "0"}, 2},
-                    ProblemRow{"SourceWithDigit", {s_goodCode, "Client1", "0"}, 2},
-                    ProblemRow{"SourceWithSpace", {s_goodCode, "Data Source", "0"}, 2},
-                    ProblemRow{"SourceWithLineFeed", {s_goodCode, "Client\n", "0"}, 2},
-                    ProblemRow{"SourceNotAscii", {s_goodCode, "Cli\xC3\xA9nt", "0"}, 2},
-                    ProblemRow{"SourceEmbeddedNul", {s_goodCode, std::string("Client\0x", 8), "0"}, 2},
-                    ProblemRow{"CodeEmpty", {"", s_goodSource, "0"}, 3},
-                    ProblemRow{"CodeUpperCasePrefix", {"0X00000001", s_goodSource, "0"}, 3},
-                    ProblemRow{"CodeWithoutPrefix", {"00000001", s_goodSource, "0"}, 3},
-                    ProblemRow{"CodeTooShort", {"0x0000001", s_goodSource, "0"}, 3},
-                    ProblemRow{"CodeTooLong", {"0x000000001", s_goodSource, "0"}, 3},
-                    ProblemRow{"CodeNotHexadecimal", {"0x0000000G", s_goodSource, "0"}, 3},
-                    ProblemRow{"CodeWithSign", {"0x-0000001", s_goodSource, "0"}, 3},
-                    ProblemRow{"CodeWithLineFeed", {"0x00000001\n", s_goodSource, "0"}, 3},
-                    ProblemRow{"CodeEmbeddedNul", {std::string("0x00000001\0", 11), s_goodSource, "0"}, 3},
-                    ProblemRow{"Status17", {s_goodCode, s_goodSource, "17"}, 4},
-                    ProblemRow{"Status99", {s_goodCode, s_goodSource, "99"}, 4},
-                    ProblemRow{"SourceUnknown", {s_goodCode, "Nobody", "0"}, 6},
-                    ProblemRow{"StatusBeforeSource", {s_goodCode, "1", "x"}, 1},
-                    ProblemRow{"SourceBeforeCode", {"x", "1", "0"}, 2},
-                    ProblemRow{"CodeBeforeStatusNumber", {"x", s_goodSource, "17"}, 3},
-                    ProblemRow{"StatusNumberBeforeUnknownSource", {s_goodCode, "Nobody", "17"}, 4},
-                    ProblemRow{"ZeroCodeIsNoProblemOfItsOwn", {"0x00000000", "Nobody", "0"}, 6},
-                    ProblemRow{"DoNotUseCanNotBeRead", Write(InfoOf(1, TError::Client, grpc::StatusCode::DO_NOT_USE)),
-                               1}),
+    testing::Values(
+        ProblemRow{"StatusEmpty", {GoodCode, GoodSource, ""}, 1},
+        ProblemRow{"StatusNegative", {GoodCode, GoodSource, "-1"}, 1},
+        ProblemRow{"StatusOfThreeDigits", {GoodCode, GoodSource, "100"}, 1},
+        ProblemRow{"StatusWithLineFeed", {GoodCode, GoodSource, "1\n"}, 1},
+        ProblemRow{"StatusWithSpace", {GoodCode, GoodSource, " 1"}, 1},
+        ProblemRow{"StatusArabicDigit", {GoodCode, GoodSource, "\xD9\xA1"}, 1},
+        ProblemRow{"StatusName", {GoodCode, GoodSource, "OK"}, 1},
+        ProblemRow{"StatusEmbeddedNul", {GoodCode, GoodSource, std::string("1\0", 2)}, 1},
+        ProblemRow{"SourceEmpty", {GoodCode, "", "0"}, 2}, ProblemRow{"SourceWithDigit", {GoodCode, "Client1", "0"}, 2},
+        ProblemRow{"SourceWithSpace", {GoodCode, "Data Source", "0"}, 2},
+        ProblemRow{"SourceWithLineFeed", {GoodCode, "Client\n", "0"}, 2},
+        ProblemRow{"SourceNotAscii", {GoodCode, "Cli\xC3\xA9nt", "0"}, 2},
+        ProblemRow{"SourceEmbeddedNul", {GoodCode, std::string("Client\0x", 8), "0"}, 2},
+        ProblemRow{"CodeEmpty", {"", GoodSource, "0"}, 3},
+        ProblemRow{"CodeUpperCasePrefix", {"0X00000001", GoodSource, "0"}, 3},
+        ProblemRow{"CodeWithoutPrefix", {"00000001", GoodSource, "0"}, 3},
+        ProblemRow{"CodeTooShort", {"0x0000001", GoodSource, "0"}, 3},
+        ProblemRow{"CodeTooLong", {"0x000000001", GoodSource, "0"}, 3},
+        ProblemRow{"CodeNotHexadecimal", {"0x0000000G", GoodSource, "0"}, 3},
+        ProblemRow{"CodeWithSign", {"0x-0000001", GoodSource, "0"}, 3},
+        ProblemRow{"CodeWithLineFeed", {"0x00000001\n", GoodSource, "0"}, 3},
+        ProblemRow{"CodeEmbeddedNul", {std::string("0x00000001\0", 11), GoodSource, "0"}, 3},
+        ProblemRow{"Status17", {GoodCode, GoodSource, "17"}, 4},
+        ProblemRow{"Status99", {GoodCode, GoodSource, "99"}, 4},
+        ProblemRow{"SourceUnknown", {GoodCode, "Nobody", "0"}, 6},
+        ProblemRow{"StatusBeforeSource", {GoodCode, "1", "x"}, 1}, ProblemRow{"SourceBeforeCode", {"x", "1", "0"}, 2},
+        ProblemRow{"CodeBeforeStatusNumber", {"x", GoodSource, "17"}, 3},
+        ProblemRow{"StatusNumberBeforeUnknownSource", {GoodCode, "Nobody", "17"}, 4},
+        ProblemRow{"ZeroCodeIsNoProblemOfItsOwn", {"0x00000000", "Nobody", "0"}, 6},
+        ProblemRow{"DoNotUseCanNotBeRead", Write(InfoOf(1, TError::Client, grpc::StatusCode::DO_NOT_USE)), 1}),
     qilsys::test::RowName<ProblemRow>);
 
 TEST(ErrorInfoReader, LoneSurrogateFails) {
@@ -462,9 +460,9 @@ TEST(ErrorInfoReader, LoneSurrogateFails) {
 
 TEST(ErrorInfoReader, RefusesVeryLongTextsWithoutMuchStack) {
   const std::string letters(4'000'000, 'a');
-  EXPECT_THROW(Read({s_goodCode, letters, "0"}), std::invalid_argument);
-  EXPECT_THROW(Read({letters, s_goodSource, "0"}), std::invalid_argument);
-  EXPECT_THROW(Read({s_goodCode, s_goodSource, std::string(4'000'000, '1')}), std::invalid_argument);
+  EXPECT_THROW(Read({GoodCode, letters, "0"}), std::invalid_argument);
+  EXPECT_THROW(Read({letters, GoodSource, "0"}), std::invalid_argument);
+  EXPECT_THROW(Read({GoodCode, GoodSource, std::string(4'000'000, '1')}), std::invalid_argument);
 }
 
 }  // namespace

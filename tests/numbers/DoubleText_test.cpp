@@ -48,7 +48,7 @@ TEST_P(DoubleTextPrint, GivesWhatTheRuntimePrints) {
 
 constexpr double Max = std::numeric_limits<double>::max();
 constexpr double MinSubnormal = std::numeric_limits<double>::denorm_min();
-constexpr PrintRow s_printRows[] = {
+constexpr PrintRow PrintRows[] = {
     {"Zero", 0.0, 'g', 6},
     {"NegativeZero", -0.0, 'f', 3},
     {"UpperExponent", 1e100, 'E', 3},
@@ -73,7 +73,7 @@ constexpr PrintRow s_printRows[] = {
     {"LongExponentJustFits", 1e300, 'e', 1016},
     {"LongExponentJustTooLong", 1e300, 'e', 1017},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, DoubleTextPrint, testing::ValuesIn(s_printRows),
+INSTANTIATE_TEST_SUITE_P(Rows, DoubleTextPrint, testing::ValuesIn(PrintRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(DoubleText, PrintsAsTheRuntimeForAnyBitPattern) {
@@ -116,7 +116,7 @@ TEST_P(DoubleTextStep, GivesTheTidyText) {
   EXPECT_EQ(text.View(), GetParam().after);
 }
 
-constexpr StepRow s_stepRows[] = {
+constexpr StepRow StepRows[] = {
     {"ExponentOfEmpty", TidyExponent, "", ""},
     {"ExponentAbsent", TidyExponent, "1.5", "1.5"},
     {"ExponentOneDigitOfThree", TidyExponent, "1e+006", "1e+06"},
@@ -156,7 +156,7 @@ constexpr StepRow s_stepRows[] = {
     {"SignOfSmall", DropNegativeZeroSign, "-0.01", "-0.01"},
     {"SignOfPositive", DropNegativeZeroSign, "0.0", "0.0"},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, DoubleTextStep, testing::ValuesIn(s_stepRows),
+INSTANTIATE_TEST_SUITE_P(Rows, DoubleTextStep, testing::ValuesIn(StepRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace

@@ -12,7 +12,7 @@
 namespace qilsys::numbers {
 namespace {
 
-constexpr char s_formats[] = {'f', 'F', 'g', 'G'};
+constexpr char Formats[] = {'f', 'F', 'g', 'G'};
 
 std::string Runtime(double value, char format, int precision) {
   const char pattern[] = {'%', '.', '*', format, '\0'};
@@ -59,7 +59,7 @@ TEST(PlainDouble, PrintsBothSidesOfEveryPowerOfTen) {
   double power = 1e-5;
   for (int exponent = -5; exponent <= 17; ++exponent, power *= 10) {
     for (const double value : {std::nextafter(power, 0.0), power, std::nextafter(power, 1e300), power * 0.9999996}) {
-      for (const char format : s_formats) {
+      for (const char format : Formats) {
         for (int precision = 0; precision <= 17; ++precision) PrintsAsTheRuntime(value, format, precision);
       }
     }
@@ -73,7 +73,7 @@ TEST(PlainDouble, PrintsAnyNumberOfTheRangeItTakes) {
   for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
     const auto mantissa = static_cast<double>(random.Between<std::uint64_t>(1ULL << 52, (1ULL << 53) - 1));
     const double value = std::ldexp(mantissa, -random.Between(0, 64)) * (random.OneIn(2) ? 1 : -1);
-    taken += PrintsAsTheRuntime(value, s_formats[random.Between(0, 3)], random.Between(0, 16)) ? 1 : 0;
+    taken += PrintsAsTheRuntime(value, Formats[random.Between(0, 3)], random.Between(0, 16)) ? 1 : 0;
   }
   EXPECT_GT(taken, rounds / 2);
 }
