@@ -7,6 +7,7 @@
 
 #include <atomic>
 
+#include "qilsys/ThreadSanitizer.h"
 #include "synchronize/TWaitQueue_linux.h"
 
 namespace qilsys::synchronize {
@@ -75,6 +76,7 @@ TPlatformEvent::TPlatformEvent(Kind kind) { m_event.Construct<Event>(kind); }
 TPlatformEvent::~TPlatformEvent() { m_event.Destroy<Event>(); }
 
 bool TPlatformEvent::Set() {
+  base::AnnounceRelease(this);
   TWaitQueue::Release(m_event.As<Event>().SetAndTake());
   return true;
 }
@@ -88,7 +90,11 @@ bool TPlatformEvent::Reset() {
 
 bool TPlatformEvent::Wait(std::uint32_t milliseconds) {
   Event& event = m_event.As<Event>();
-  return event.Poll() || (milliseconds != 0 && SleepOn(event, TDeadline::After(milliseconds)));
+  const bool isSet = event.Poll() || (milliseconds != 0 && SleepOn(event, TDeadline::After(milliseconds)));
+  if (isSet) {
+    base::AnnounceAcquire(this);
+  }
+  return isSet;
 }
 
 unsigned int TPlatformEvent::WaitersForTest() {

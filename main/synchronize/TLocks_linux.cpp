@@ -8,6 +8,7 @@
 #include <atomic>
 #include <thread>
 
+#include "qilsys/ThreadSanitizer.h"
 #include "synchronize/TWaitQueue_linux.h"
 
 namespace qilsys::synchronize {
@@ -21,11 +22,13 @@ struct Section {
   bool IsMine() const { return m_owner.load(std::memory_order_relaxed) == std::this_thread::get_id(); }
 
   void Own(unsigned int depth) {
+    base::AnnounceAcquire(this);
     m_owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
     m_depth = depth;
   }
 
   void Disown() {
+    base::AnnounceRelease(this);
     m_owner.store(std::thread::id(), std::memory_order_relaxed);
     m_lock.Unlock();
   }

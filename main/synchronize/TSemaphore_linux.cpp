@@ -7,6 +7,7 @@
 
 #include <cerrno>
 
+#include "qilsys/ThreadSanitizer.h"
 #include "synchronize/TWaitQueue_linux.h"
 
 namespace qilsys::synchronize {
@@ -44,6 +45,21 @@ WaitResult ResultOf(FutexResult result) {
   }
 }
 
+WaitResult WaitForUnit(Semaphore& semaphore, std::uint32_t milliseconds) {
+  TWaiter waiter;
+  {
+    const TFutexGuard guard(semaphore.m_lock);
+    if (semaphore.TakeUnit()) {
+      return WaitResult::Acquired;
+    }
+    if (milliseconds == 0) {
+      return WaitResult::TimedOut;
+    }
+    semaphore.m_waiters.Add(waiter);
+  }
+  return ResultOf(semaphore.m_waiters.Wait(waiter, semaphore.m_lock, TDeadline::After(milliseconds)));
+}
+
 }  // namespace
 
 TPlatformSemaphore::TPlatformSemaphore() { m_semaphore.Construct<Semaphore>(); }
@@ -62,24 +78,17 @@ bool TPlatformSemaphore::Create(std::uint32_t initial, std::uint32_t maximum) {
 }
 
 WaitResult TPlatformSemaphore::Wait(std::uint32_t milliseconds) {
-  Semaphore& semaphore = m_semaphore.As<Semaphore>();
-  TWaiter waiter;
-  {
-    const TFutexGuard guard(semaphore.m_lock);
-    if (semaphore.TakeUnit()) {
-      return WaitResult::Acquired;
-    }
-    if (milliseconds == 0) {
-      return WaitResult::TimedOut;
-    }
-    semaphore.m_waiters.Add(waiter);
+  const WaitResult result = WaitForUnit(m_semaphore.As<Semaphore>(), milliseconds);
+  if (result == WaitResult::Acquired) {
+    base::AnnounceAcquire(this);
   }
-  return ResultOf(semaphore.m_waiters.Wait(waiter, semaphore.m_lock, TDeadline::After(milliseconds)));
+  return result;
 }
 
 bool TPlatformSemaphore::Release() {
   Semaphore& semaphore = m_semaphore.As<Semaphore>();
   TWaiter* waiter = nullptr;
+  base::AnnounceRelease(this);
   {
     const TFutexGuard guard(semaphore.m_lock);
     waiter = semaphore.m_waiters.TakeFirst();

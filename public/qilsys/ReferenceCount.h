@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "qilsys/Export.h"
+#include "qilsys/ThreadSanitizer.h"
 
 /// The count itself, without virtual operations. `T` is the most derived counting class; its destructor frees the
 /// object. A new object has count 0: it is owned by nobody until the first RefCntPtr is made from it. Any thread may
@@ -51,7 +52,12 @@ class RefCntObjectNonVirtualBase {
   ~RefCntObjectNonVirtualBase() = default;
 
   /// Drops an owner and never destroys.
-  int RemoveReferenceInternal() const noexcept { return m_refCount.fetch_sub(1) - 1; }
+  int RemoveReferenceInternal() const noexcept {
+    qilsys::base::AnnounceRelease(&m_refCount);
+    const int count = m_refCount.fetch_sub(1) - 1;
+    qilsys::base::AnnounceAcquire(&m_refCount);
+    return count;
+  }
 
  private:
   friend T;

@@ -33,5 +33,6 @@
 #include "qilsys/TStringOptions.h"
 #include "qilsys/TStringStorage.h"
 #include "qilsys/TSystem.h"
+#include "qilsys/ThreadSanitizer.h"
 #include "qilsys/Unicode.h"
 #include "qilsys/sha2.h"

@@ -35,7 +35,7 @@ def below(room):
 
 # Public headers of every room stand in one folder; these don't share their stem with a source of their room.
 ROOM_OF = {'Fwd': 'all', 'qilsys': 'all'}
-ROOM_OF |= dict.fromkeys('Export TCodeUnit'.split(), 'base')
+ROOM_OF |= dict.fromkeys('Export TCodeUnit ThreadSanitizer'.split(), 'base')
 ROOM_OF |= dict.fromkeys('TStringOptions'.split(), 'units')
 ROOM_OF |= dict.fromkeys('TMemory MemoryCounter'.split(), 'memory')
 ROOM_OF |= dict.fromkeys('Unicode'.split(), 'transcode')
