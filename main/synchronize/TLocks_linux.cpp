@@ -41,8 +41,8 @@ struct Section {
 static_assert(std::atomic<std::thread::id>::is_always_lock_free);
 
 struct Condition {
-  TFutexLock m_lock;
-  TWaitQueue m_sleepers;
+  TFutexLock lock;
+  TWaitQueue sleepers;
 };
 
 }  // namespace
@@ -95,12 +95,12 @@ bool TConditionVariable::Sleep(TCriticalSection& criticalSection) noexcept {
   Section& section = criticalSection.m_section.As<Section>();
   TWaiter waiter;
   {
-    const TFutexGuard guard(condition.m_lock);
-    condition.m_sleepers.Add(waiter);
+    const TFutexGuard guard(condition.lock);
+    condition.sleepers.Add(waiter);
   }
   const unsigned int depth = section.m_depth;
   section.Disown();
-  const FutexResult result = condition.m_sleepers.Wait(waiter, condition.m_lock, TDeadline::Never());
+  const FutexResult result = condition.sleepers.Wait(waiter, condition.lock, TDeadline::Never());
   section.m_lock.Lock();
   section.Own(depth);
   return result == FutexResult::Woken;
@@ -110,16 +110,16 @@ void TConditionVariable::WakeOne() noexcept {
   Condition& condition = m_condition.As<Condition>();
   TWaiter* first = nullptr;
   {
-    const TFutexGuard guard(condition.m_lock);
-    first = condition.m_sleepers.TakeFirst();
+    const TFutexGuard guard(condition.lock);
+    first = condition.sleepers.TakeFirst();
   }
   TWaitQueue::Release(first);
 }
 
 unsigned int TConditionVariable::SleepersForTest() noexcept {
   Condition& condition = m_condition.As<Condition>();
-  const TFutexGuard guard(condition.m_lock);
-  return condition.m_sleepers.SizeForTest();
+  const TFutexGuard guard(condition.lock);
+  return condition.sleepers.SizeForTest();
 }
 
 }  // namespace qilsys::synchronize

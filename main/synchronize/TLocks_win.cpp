@@ -15,22 +15,22 @@ namespace {
 
 constexpr DWORD SpinCount = 4000;
 
-// `m_depth` is the holder's, and 0 while nobody is inside.
+// `depth` is the holder's, and 0 while nobody is inside.
 struct Section {
-  Section() { InitializeCriticalSectionEx(&m_section, SpinCount, 0); }
+  Section() { InitializeCriticalSectionEx(&lock, SpinCount, 0); }
   Section(const Section&) = delete;
   Section& operator=(const Section&) = delete;
-  ~Section() { DeleteCriticalSection(&m_section); }
+  ~Section() { DeleteCriticalSection(&lock); }
 
-  CRITICAL_SECTION m_section;
-  unsigned int m_depth = 0;
+  CRITICAL_SECTION lock;
+  unsigned int depth = 0;
 };
 
 struct Condition {
-  Condition() { InitializeConditionVariable(&m_condition); }
+  Condition() { InitializeConditionVariable(&variable); }
 
-  CONDITION_VARIABLE m_condition;
-  std::atomic<unsigned int> m_sleepers{0};
+  CONDITION_VARIABLE variable;
+  std::atomic<unsigned int> sleepers{0};
 };
 
 }  // namespace
@@ -41,25 +41,25 @@ TCriticalSection::~TCriticalSection() { m_section.Destroy<Section>(); }
 
 void TCriticalSection::Enter() noexcept {
   Section& section = m_section.As<Section>();
-  EnterCriticalSection(&section.m_section);
-  ++section.m_depth;
+  EnterCriticalSection(&section.lock);
+  ++section.depth;
 }
 
 bool TCriticalSection::TryEnter() noexcept {
   Section& section = m_section.As<Section>();
-  const bool isEntered = TryEnterCriticalSection(&section.m_section) != FALSE;
-  section.m_depth += isEntered ? 1 : 0;
+  const bool isEntered = TryEnterCriticalSection(&section.lock) != FALSE;
+  section.depth += isEntered ? 1 : 0;
   return isEntered;
 }
 
 void TCriticalSection::Leave() noexcept {
   Section& section = m_section.As<Section>();
-  --section.m_depth;
-  LeaveCriticalSection(&section.m_section);
+  --section.depth;
+  LeaveCriticalSection(&section.lock);
 }
 
 bool TCriticalSection::IsContendedForTest() const noexcept {
-  const CRITICAL_SECTION& section = m_section.As<Section>().m_section;
+  const CRITICAL_SECTION& section = m_section.As<Section>().lock;
   const volatile LONG& lockCount = section.LockCount;
   const volatile LONG& entries = section.RecursionCount;
   return HasWaiters(lockCount, entries);
@@ -76,24 +76,24 @@ bool TConditionVariable::Sleep(TCriticalSection& criticalSection) noexcept {
   if (!MayWait()) [[unlikely]] {
     return false;
   }
-  const unsigned int depth = section.m_depth;
-  for (; section.m_depth > 1; --section.m_depth) {
-    LeaveCriticalSection(&section.m_section);
+  const unsigned int depth = section.depth;
+  for (; section.depth > 1; --section.depth) {
+    LeaveCriticalSection(&section.lock);
   }
-  section.m_depth = 0;
-  condition.m_sleepers.fetch_add(1, std::memory_order_relaxed);
-  const bool isWoken = SleepConditionVariableCS(&condition.m_condition, &section.m_section, INFINITE) != FALSE;
-  condition.m_sleepers.fetch_sub(1, std::memory_order_relaxed);
-  for (section.m_depth = 1; section.m_depth < depth; ++section.m_depth) {
-    EnterCriticalSection(&section.m_section);
+  section.depth = 0;
+  condition.sleepers.fetch_add(1, std::memory_order_relaxed);
+  const bool isWoken = SleepConditionVariableCS(&condition.variable, &section.lock, INFINITE) != FALSE;
+  condition.sleepers.fetch_sub(1, std::memory_order_relaxed);
+  for (section.depth = 1; section.depth < depth; ++section.depth) {
+    EnterCriticalSection(&section.lock);
   }
   return isWoken;
 }
 
-void TConditionVariable::WakeOne() noexcept { WakeConditionVariable(&m_condition.As<Condition>().m_condition); }
+void TConditionVariable::WakeOne() noexcept { WakeConditionVariable(&m_condition.As<Condition>().variable); }
 
 unsigned int TConditionVariable::SleepersForTest() noexcept {
-  return m_condition.As<Condition>().m_sleepers.load(std::memory_order_relaxed);
+  return m_condition.As<Condition>().sleepers.load(std::memory_order_relaxed);
 }
 
 }  // namespace qilsys::synchronize
