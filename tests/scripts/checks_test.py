@@ -161,7 +161,22 @@ CASES = [
                         '#if defined(__GNUC__)\nint g() { return __builtin_popcount(2); }\n#endif\n'
                         'template <class T>\nclass QILSYS_API Marked {};\n',
         'main/a/T_linux.cpp': '#include <unistd.h>\n',
-    }, ['main/a/T.cpp: 1: "__builtin_popcount"', 'main/a/T.cpp: 2: "unistd.h"', 'main/a/T.cpp: a template is marked']),
+        'public/qilsys/State.h': 'class QILSYS_API State {\n  inline static int s_one = 1;\n  std::vector<std::unique_ptr<int>> m_two;\n'
+                                 '  int Next() {\n    static int s_three = 0;\n    return ++s_three;\n  }\n};\n',
+    }, ['main/a/T.cpp: 1: "__builtin_popcount"', 'main/a/T.cpp: 2: "unistd.h"', 'main/a/T.cpp: a template is marked',
+        'public/qilsys/State.h:State: state that each module', 'public/qilsys/State.h:State: state in an inline member',
+        'public/qilsys/State.h:State: an exported class gets its copying members']),
+
+    # The half of it that clang does.
+    ('msvc', ['clang++', 'x86_64-w64-mingw32-g++-posix'], {
+        'main/a/Export.h': '#pragma once\n#define QILSYS_API __declspec(dllexport)\n',
+        'main/a/Marked.cpp': '#include "a/Export.h"\nclass QILSYS_API Marked {\n  QILSYS_API void f();\n};\n',
+        'main/a/Steps.cpp': 'constexpr int Sum(int n) {\n  int sum = 0;\n  for (int i = 0; i < n; ++i) sum += i % 2;\n  return sum;\n}\n'
+                            'constexpr int Few = Sum(100);\nconstexpr int Many = Sum(200000);\n',
+        'build/windows/compile_commands.json': '[' + ', '.join(
+            f'{{"directory": ".", "file": "main/a/{name}.cpp", "command": "c++ -Imain -c main/a/{name}.cpp"}}'
+            for name in ('Marked', 'Steps')) + ']',
+    }, ["main/a/Marked.cpp:3: as MSVC: attribute 'dllexport'", 'main/a/Steps.cpp:7: as MSVC: constexpr variable']),
 ]
 
 
