@@ -71,9 +71,9 @@ CASES = [
     ('docs', [], {
         'README.md': '# A title\n\n[here](docs/page.md) [there](docs/gone.md) [up](#a-title) [down](docs/page.md#no-such)\n'
                      '`main/a/Thing.h` `Thing.h` `X_win.cpp` `main/a/Gone.h` `main/b`\n\n'
-                     '    make test\n    make nonsense\n    cmake --preset release\n    cmake --preset nothing\n',
+                     '    make test\n    make nonsense  # and make sense\n    cmake --preset release\n    cmake --preset nothing\n',
         'docs/page.md': '# Page\n\n| What | Test |\n|---|---|\n| one | `Suite.Runs` |\n| two | `Suite.Walks` |\n',
-        'main/a/Thing.h': OPENING + '// See Thing, see Nobody, and Missing.h; "Ghost.h" too.\nclass Thing;\n'
+        'main/a/Thing.h': OPENING + '// It does not make sense. See Thing, see Nobody, and Missing.h; "Ghost.h" too.\nclass Thing;\n'
                                     'const char* s = "// Literal.h";\n#include <system.h>  // of system.h\n',
         'tests/a/Thing_test.cpp': 'TEST(Suite, Runs) {}\n',
         'Makefile': 'test:\n\ttrue  # by scripts/gone.py\n',
@@ -161,6 +161,7 @@ CASES = [
                         '#if defined(__GNUC__)\nint g() { return __builtin_popcount(2); }\n#endif\n'
                         'template <class T>\nclass QILSYS_API Marked {};\n',
         'main/a/T_linux.cpp': '#include <unistd.h>\n',
+        'tests/a/T_linux_test.cpp': '#include <unistd.h>\n',
         'public/qilsys/State.h': 'class QILSYS_API State {\n  inline static int s_one = 1;\n  std::vector<std::unique_ptr<int>> m_two;\n'
                                  '  int Next() {\n    static int s_three = 0;\n    return ++s_three;\n  }\n};\n',
     }, ['main/a/T.cpp: 1: "__builtin_popcount"', 'main/a/T.cpp: 2: "unistd.h"', 'main/a/T.cpp: a template is marked',
