@@ -1,4 +1,4 @@
-// The texts that searches and their peers are measured on, and the way to measure one answer.
+/// The texts that searches and their peers are measured on, and the way to measure one answer.
 #pragma once
 
 #include <benchmark/benchmark.h>

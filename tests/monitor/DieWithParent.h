@@ -1,3 +1,4 @@
+/// For processes that a test starts: none outlives the test that is ended from outside.
 #pragma once
 
 namespace qilsys::test {
