@@ -2,7 +2,7 @@
 #include "demo/ChildProcess.h"
 
 #ifndef __linux__
-#error "This file is for Linux only."
+#error "This file is for Linux."
 #endif
 
 #include <fcntl.h>

@@ -2,7 +2,7 @@
 #include "demo/Preflight.h"
 
 #ifndef __linux__
-#error "This file is for Linux only."
+#error "This file is for Linux."
 #endif
 
 #include <arpa/inet.h>

@@ -2,7 +2,7 @@
 #include "demo/Preflight.h"
 
 #ifndef _WIN32
-#error "This file is for Windows only."
+#error "This file is for Windows."
 #endif
 
 #include <winsock2.h>

@@ -1,8 +1,8 @@
 // The Windows sibling hands the text to the debugger.
 #include "base/DebugChannel_platform.h"
 
-#if !defined(__linux__)
-#error "This file is for Linux only."
+#ifndef __linux__
+#error "This file is for Linux."
 #endif
 
 #include <cstdio>

@@ -2,7 +2,7 @@
 #include "memory/TMemory_platform.h"
 
 #ifndef __linux__
-#error "TMemory_linux.cpp is for Linux"
+#error "This file is for Linux."
 #endif
 
 #include <malloc.h>

@@ -1,7 +1,7 @@
 #include "synchronize/Futex_linux.h"
 
 #ifndef __linux__
-#error "This file calls Linux."
+#error "This file is for Linux."
 #endif
 
 #include <linux/futex.h>

@@ -2,7 +2,7 @@
 #include "synchronize/TEventBase_platform.h"
 
 #ifndef __linux__
-#error "This file calls Linux."
+#error "This file is for Linux."
 #endif
 
 #include <atomic>

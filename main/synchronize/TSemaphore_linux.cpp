@@ -2,7 +2,7 @@
 #include "synchronize/TSemaphore_platform.h"
 
 #ifndef __linux__
-#error "This file calls Linux."
+#error "This file is for Linux."
 #endif
 
 #include <cerrno>

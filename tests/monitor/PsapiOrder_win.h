@@ -1,6 +1,10 @@
 /// Calls of GetProcessMemoryInfo from sources that include psapi.h, which has a macro of that name.
 #pragma once
 
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
+
 #include "qilsys/MonitoredProcess.h"
 
 namespace qilsys::test {

@@ -132,9 +132,12 @@ CASES = [
 
     ('platform', [], {
         'main/a/T.cpp': '#ifdef _WIN32\n#endif\n#include <windows.h>\n',
-        'main/a/T_win.cpp': '#ifndef _WIN32\n#error\n#endif\n#include <windows.h>\n',
-        'main/a/T_linux.cpp': '#include <winsock2.h>\n',
-    }, ['main/a/T.cpp: includes windows.h', 'main/a/T.cpp: a conditional on _WIN32', 'main/a/T_linux.cpp: includes winsock2.h']),
+        'main/a/T_win.cpp': '#ifndef _WIN32\n#error "This file is for Windows."\n#endif\n#include <windows.h>\n',
+        'main/a/T_linux.cpp': '#ifndef __linux__\n#error "This file is for Linux."\n#endif\n#include <winsock2.h>\n',
+        'main/a/T_win.h': '#ifndef _WIN32\n#error "Windows only."\n#endif\n',
+        'main/a/U_linux.h': '#ifndef __linux__\n#error "This file is for Linux."\n#endif\n',
+        'main/a/U_linux.cpp': '#include "a/U_linux.h"\n',
+    }, ['main/a/T_win.h: does not open', 'main/a/T.cpp: includes windows.h', 'main/a/T.cpp: a conditional on _WIN32', 'main/a/T_linux.cpp: includes winsock2.h']),
 
     ('includes', [], {
         'main/units/Low.h': '#pragma once\n#include "string/High.h"\n',

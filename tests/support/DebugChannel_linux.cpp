@@ -1,5 +1,9 @@
 #include "support/DebugChannel.h"
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <gtest/gtest.h>
 
 namespace qilsys::test {

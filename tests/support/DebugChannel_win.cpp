@@ -1,5 +1,9 @@
 #include "support/DebugChannel.h"
 
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
+
 #include <windows.h>
 
 #include <utility>

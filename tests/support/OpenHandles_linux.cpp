@@ -1,5 +1,9 @@
 #include "support/OpenHandles.h"
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <filesystem>
 #include <iterator>
 

@@ -1,5 +1,9 @@
 #include "support/OpenHandles.h"
 
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
+
 #include <windows.h>
 
 #include <algorithm>

@@ -1,6 +1,10 @@
 // By OpenSSL; the sibling for Windows is PeerDigest_win.cpp.
 #include "support/PeerDigest.h"
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <openssl/evp.h>
 
 #include <stdexcept>

@@ -1,6 +1,10 @@
 // The sibling for Windows is SparseMemory_win.cpp.
 #include "support/SparseMemory.h"
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <sys/mman.h>
 
 #include <new>

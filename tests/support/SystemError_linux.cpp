@@ -1,5 +1,9 @@
 #include "support/SystemError.h"
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <cerrno>
 
 namespace qilsys::test {

@@ -1,5 +1,9 @@
 #include "support/SystemError.h"
 
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
+
 #include <windows.h>
 
 namespace qilsys::test {

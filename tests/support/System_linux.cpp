@@ -1,5 +1,9 @@
 #include "support/System.h"
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <sys/wait.h>
 
 #include <csignal>

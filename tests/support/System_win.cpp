@@ -1,5 +1,9 @@
 #include "support/System.h"
 
+#ifndef _WIN32
+#error "This file is for Windows."
+#endif
+
 #include <windows.h>
 
 #include <cstdlib>
