@@ -1,8 +1,6 @@
-// Split at separators, take tokens one by one, and join.
+// Split at separators, at once or token by token.
 #include "qilsys/TStringCore.h"
 
-#include <algorithm>
-#include <cstdint>
 #include <vector>
 
 #include "qilsys/CodePoint.h"
@@ -14,7 +12,6 @@
 
 namespace search = qilsys::search;
 using qilsys::string::Inside;
-using qilsys::string::ResizeForWrite;
 
 namespace {
 
@@ -125,28 +122,4 @@ TStringCore TStringCore::tokenize(const TStringCore& set, int& pos, SplitBehavio
 
 TStringCore TStringCore::tokenize(const TCodeUnit* set, int& pos, SplitBehavior behavior) const {
   return nextToken(*this, set, qilsys::units::TerminatedLength(set), pos, behavior == DropEmptyTokens);
-}
-
-// ---- Joining
-
-TStringCore TStringCore::join(const std::vector<TStringCore>& list, const TStringCore& sep) {
-  if (list.empty()) return TStringCore();
-  if (list.size() == 1) return list.front();
-  std::uint64_t wanted = static_cast<std::uint64_t>(list.size() - 1) * static_cast<std::uint64_t>(sep.length());
-  for (const TStringCore& element : list) wanted += static_cast<std::uint64_t>(element.length());
-  // In 32 bits, so that a sum beyond the limit raises as a negative capacity first.
-  const auto total = static_cast<std::uint32_t>(wanted);
-  TStringCore result;
-  result.reserve(static_cast<int>(total));
-  if (wanted >= MaxStringCapacity) throw CapacityException();
-  TCodeUnit* units = ResizeForWrite(result, static_cast<int>(total));
-  for (const TStringCore& element : list) {
-    if (&element != list.data()) units = std::copy_n(sep.data(), sep.length(), units);
-    units = std::copy_n(element.data(), element.length(), units);
-  }
-  return result;
-}
-
-TStringCore TStringCore::join(const std::vector<TStringCore>& list, TCodeUnit sep) {
-  return join(list, TStringCore(sep, 1));
 }
