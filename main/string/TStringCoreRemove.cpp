@@ -6,7 +6,6 @@
 
 #include "qilsys/TCodePointIterator.h"
 #include "search/Search.h"
-#include "string/Matches.h"
 #include "string/OwnText.h"
 
 namespace search = qilsys::search;
@@ -47,14 +46,13 @@ TStringCore& TStringCore::removeAll(const TCodeUnit* s, int len, CaseSensitivity
   if (len < 0) len = length(s);
   if (qilsys::string::InSelf(*this, s)) return removeAll(TStringCore(s, len), cs);
   const int before = length();
-  const qilsys::string::Matches matches(s, len, cs);
-  int match = matches.Next(constData(), before, 0);
+  int match = search::findStrCore(constData(), before, s, len, 0, cs);
   if (match < 0) return *this;
   TCodeUnit* units = data();
   int kept = match;
   while (match >= 0) {
     const int from = match + len;
-    match = matches.Next(units, before, from);
+    match = search::findStrCore(units, before, s, len, from, cs);
     const int to = match < 0 ? before : match;
     std::copy(units + from, units + to, units + kept);
     kept += to - from;

@@ -5,7 +5,6 @@
 
 #include "qilsys/TCodePointIterator.h"
 #include "search/Search.h"
-#include "string/Matches.h"
 #include "string/OwnText.h"
 #include "string/StringGrowth.h"
 #include "string/StringSum.h"
@@ -96,25 +95,36 @@ TStringCore& TStringCore::replace(const TCodeUnit* before, int beforeLen, const 
 
 namespace {
 
-int OverwriteMatches(TStringCore& text, const Matches& matches, int first, const TCodeUnit* after, int n) {
+/// The text to be replaced, wherever it stands; a NUL in it is a unit like any other.
+struct Sought {
+  const TCodeUnit* units;
+  int length;
+  TStringCore::CaseSensitivity cs;
+
+  int FindIn(const TStringCore& text, int from) const {
+    return search::findUnits(text.constData(), text.length(), units, length, from, cs);
+  }
+};
+
+int OverwriteMatches(TStringCore& text, const Sought& sought, int first, const TCodeUnit* after) {
   TCodeUnit* const units = text.data();
   int count = 0;
-  for (int at = first; at >= 0; at = matches.Next(units, text.length(), at + n)) {
-    std::copy_n(after, n, units + at);
+  for (int at = first; at >= 0; at = sought.FindIn(text, at + sought.length)) {
+    std::copy_n(after, sought.length, units + at);
     ++count;
   }
   return count;
 }
 
-int RebuildMatches(TStringCore& text, const Matches& matches, int first, int n, const TCodeUnit* after, int afterLen) {
+int RebuildMatches(TStringCore& text, const Sought& sought, int first, const TCodeUnit* after, int afterLen) {
   const TCodeUnit* const units = text.constData();
   TStringCore work;
   work.reserve(text.length());
   int count = 0;
   int done = 0;
-  for (int at = first; at >= 0; at = matches.Next(units, text.length(), done)) {
+  for (int at = first; at >= 0; at = sought.FindIn(text, done)) {
     work.append(units + done, at - done).append(after, afterLen);
-    done = at + n;
+    done = at + sought.length;
     ++count;
   }
   work.append(units + done, text.length() - done);
@@ -132,9 +142,9 @@ int TStringCore::replaceCount(const TCodeUnit* before, int beforeLen, const TCod
   if (afterLen > 0 && InSelf(*this, after)) {
     return replaceCount(before, beforeLen, TStringCore(after, afterLen), afterLen, cs);
   }
-  const Matches matches(before, beforeLen, cs);
-  const int first = matches.Next(constData(), length(), 0);
+  const Sought sought{before, beforeLen, cs};
+  const int first = sought.FindIn(*this, 0);
   if (first < 0) return 0;
-  if (beforeLen == afterLen) return OverwriteMatches(*this, matches, first, after, afterLen);
-  return RebuildMatches(*this, matches, first, beforeLen, after, afterLen);
+  if (beforeLen == afterLen) return OverwriteMatches(*this, sought, first, after);
+  return RebuildMatches(*this, sought, first, after, afterLen);
 }

@@ -31,19 +31,6 @@ int LengthWithoutTail(const TStringCore& text, Test test) {
   return end;
 }
 
-int UnitsOfCodePoint(const TCodeUnit* p) {
-  return CodePoint::IsHighSurrogate(p[0]) && CodePoint::IsLowSurrogate(p[1]) ? 2 : 1;
-}
-
-/// Whether the set, which ends at its NUL, has the code point of these units.
-bool SetHolds(const TCodeUnit* set, const TCodeUnit* first, int units) {
-  for (int n = 0; *set != 0; set += n) {
-    n = UnitsOfCodePoint(set);
-    if (n == units && set[0] == first[0] && (n == 1 || set[1] == first[1])) return true;
-  }
-  return false;
-}
-
 // A negative number stands for the whole text, whose storage is given up then.
 TStringCore& RemoveLeading(TStringCore& text, int n) {
   if (n >= 0) return text.removeAt(0, n);
@@ -87,15 +74,16 @@ TStringCore& TStringCore::trim(TCodeUnit c) { return trimRight(c).trimLeft(c); }
 TStringCore& TStringCore::trimRight(const TCodeUnit* set) {
   if (!set || *set == 0) return *this;
   if (set[1] == 0) return trimRight(*set);
+  const UnitSet members = UnitSet::forTrimming(set);
   return truncate(
-      LengthWithoutTail(*this, [set](const TCodeUnit* first, int units) { return SetHolds(set, first, units); }));
+      LengthWithoutTail(*this, [&members](const TCodeUnit* first, int units) { return members.holds(first, units); }));
 }
 
 TStringCore& TStringCore::trimLeft(const TCodeUnit* set) {
   return RemoveLeading(*this, findOneNotOf(constData(), set, 0));
 }
 
-// The set of the left end is made ready before the right one is cut: after that nothing can fail.
+// The set of the left end is made before the right end is cut: after that nothing can fail.
 TStringCore& TStringCore::trim(const TCodeUnit* set) {
   if (qilsys::string::InSelf(*this, set)) return trim(TStringCore(set).constData());
   const int setLen = length(set);

@@ -60,7 +60,9 @@ void TextModel::Replace(int pos, int n, const std::u16string& s, int own) {
     Insert(pos, s, own);
     return;
   }
-  m_units.replace(At(pos), At(n), s);
+  // Own text before a range that reaches the end stops where that begins, but where all of the text is replaced.
+  const bool stops = own >= 0 && own <= pos && pos > 0 && n >= length() - pos;
+  m_units.replace(At(pos), At(n), stops ? s.substr(0, At(pos - own)) : s);
 }
 
 void TextModel::ReplaceByUnit(int pos, int n, char16_t c) {
