@@ -11,15 +11,18 @@
 #include <type_traits>
 #include <vector>
 
-#include "qilsys/TCType.h"
 #include "support/FailingNew.h"
+#include "support/FormatModel.h"
 #include "support/NarrowText.h"
 #include "support/Random.h"
 #include "support/StringHeaps.h"
 
 namespace {
 
+using namespace qilsys::test::format_texts;
+using qilsys::test::ExpectedFormat;
 using qilsys::test::FailOneByOne;
+using qilsys::test::FormatExpectation;
 using qilsys::test::Narrow;
 using qilsys::test::Units;
 
@@ -45,7 +48,7 @@ TEST_P(TFormatStringCoreExpand, GivesTheText) {
   EXPECT_EQ(Units(format.formatString()), row.format);
 }
 
-const ExpandRow s_expandRows[] = {
+const ExpandRow ExpandRows[] = {
     {"Empty", u"", {}, u""},
     {"EmptyWithParameters", u"", {u"a", u"b"}, u""},
     {"NoMarker", u"text", {u"a"}, u"text"},
@@ -68,7 +71,7 @@ const ExpandRow s_expandRows[] = {
      {u"longer than what fits inline"},
      u"longer than what fits inline and longer than what fits inline"},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, TFormatStringCoreExpand, testing::ValuesIn(s_expandRows),
+INSTANTIATE_TEST_SUITE_P(Rows, TFormatStringCoreExpand, testing::ValuesIn(ExpandRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(TFormatStringCore, TakesMarkerNinetyNine) {
@@ -353,25 +356,20 @@ TEST_P(TFormatStringCoreFailure, RaisesWhenSet) {
   ExpectRaised([&] { good = text.constData(); }, row);
 }
 
-const char* const s_incomplete = "Format string ends with an incomplete marker.";
-const char* const s_numberless = "Invalid numberless marker in format string.";
-const char* const s_leadingZero = "Leading zero in marker number in format string.";
-const char* const s_above99 = "Invalid marker number > 99 in format string.";
-
 FailureRow Incomplete(const char* name, const char16_t* format) {
-  return {name, format, s_incomplete, 0xA33EDF83, "QuillonException_AutoGen_0xA33EDF83"};
+  return {name, format, IncompleteText, 0xA33EDF83, "QuillonException_AutoGen_0xA33EDF83"};
 }
 FailureRow Numberless(const char* name, const char16_t* format) {
-  return {name, format, s_numberless, 0xF7AF5E37, "QuillonException_AutoGen_0xF7AF5E37"};
+  return {name, format, NumberlessText, 0xF7AF5E37, "QuillonException_AutoGen_0xF7AF5E37"};
 }
 FailureRow LeadingZero(const char* name, const char16_t* format) {
-  return {name, format, s_leadingZero, 0xB3668D59, "QuillonException_AutoGen_0xB3668D59"};
+  return {name, format, LeadingZeroText, 0xB3668D59, "QuillonException_AutoGen_0xB3668D59"};
 }
 FailureRow Above99(const char* name, const char16_t* format) {
-  return {name, format, s_above99, 0xCA249FEE, "QuillonException_AutoGen_0xCA249FEE"};
+  return {name, format, Above99Text, 0xCA249FEE, "QuillonException_AutoGen_0xCA249FEE"};
 }
 
-const FailureRow s_failureRows[] = {
+const FailureRow FailureRows[] = {
     Incomplete("PercentAtEnd", u"100%"),
     Incomplete("PercentAlone", u"%"),
     Incomplete("PercentBehindMarker", u"%1%"),
@@ -391,7 +389,7 @@ const FailureRow s_failureRows[] = {
     Above99("TwoDigitsBeyondAscii", u"%\u0663\u0663"),
     Above99("DigitBeyondAsciiAndOne", u"%\uFF111"),
 };
-INSTANTIATE_TEST_SUITE_P(Rows, TFormatStringCoreFailure, testing::ValuesIn(s_failureRows),
+INSTANTIATE_TEST_SUITE_P(Rows, TFormatStringCoreFailure, testing::ValuesIn(FailureRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(TFormatStringCoreInsufficient, TellsCountsAndTemplate) {
@@ -513,43 +511,6 @@ TEST(TFormatStringCoreOutOfMemory, OneParameterIsAppendedOrNot) {
 
 // ---- Random templates against a plain reading of the state table
 
-struct Expectation {
-  const char* failure = nullptr;  // The message, null where the template is good.
-  int highest = 0;
-  std::u16string text;
-};
-
-bool IsDigit(char16_t c) { return TCType::isDigit(static_cast<TCodeUnit>(c)); }
-
-Expectation Model(const std::u16string& format, const std::vector<std::u16string>& parameters) {
-  Expectation expected;
-  std::size_t at = 0;
-  while (at < format.size()) {
-    const char16_t c = format[at++];
-    if (c != u'%') {
-      expected.text.push_back(c);
-      continue;
-    }
-    if (at == format.size()) return {s_incomplete, 0, {}};
-    if (format[at] == u'%') {
-      expected.text.push_back(u'%');
-      ++at;
-      continue;
-    }
-    if (!IsDigit(format[at])) return {s_numberless, 0, {}};
-    if (format[at] == u'0') return {s_leadingZero, 0, {}};
-    int number = format[at++] - 48;
-    for (; at < format.size() && IsDigit(format[at]); ++at) {
-      number = number * 10 + format[at] - 48;
-      if (number > 99) return {s_above99, 0, {}};
-    }
-    expected.highest = std::max(expected.highest, number);
-    if (number <= static_cast<int>(parameters.size()))
-      expected.text += parameters[static_cast<std::size_t>(number - 1)];
-  }
-  return expected;
-}
-
 TEST(TFormatStringCoreModel, AgreesForAnyTemplate) {
   qilsys::test::SeededRandom random;
   const std::u16string alphabet = u"%%%%0123459ab \u0663\xD800\xDC00";
@@ -562,7 +523,7 @@ TEST(TFormatStringCoreModel, AgreesForAnyTemplate) {
     std::u16string format;
     const int length = random.Between(0, 9);
     for (int i = 0; i < length; ++i) format.push_back(alphabet[random.Between<std::size_t>(0, alphabet.size() - 1)]);
-    const Expectation expected = Model(format, parameters);
+    const FormatExpectation expected = ExpectedFormat(format, parameters);
     std::optional<TFormatStringCore> made;
     try {
       made.emplace(Text(format));

@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "qilsys/TStringCore.h"
+#include "support/IntegerModel.h"
 #include "support/NarrowText.h"
 #include "support/Random.h"
 
@@ -226,37 +227,9 @@ TEST(TStringCoreParseRoundTrip, ReadsWhatNumberWrote) {
   }
 }
 
-// The documented steps, one after the other, for text of ASCII.
 Outcome<unsigned long long> Model(const std::string& text, int base) {
-  std::size_t at = 0;
-  const auto unit = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-  while (unit(at) == ' ' || (unit(at) >= 9 && unit(at) <= 13)) ++at;
-  const bool negative = unit(at) == '-';
-  if (unit(at) == '+' || unit(at) == '-') ++at;
-  const bool prefix = unit(at) == '0' && (unit(at + 1) == 'x' || unit(at + 1) == 'X');
-  if (base == 0) base = prefix ? 16 : unit(at) == '0' ? 8 : 10;
-  if (base == 16 && prefix) at += 2;
-  std::uint64_t value = 0;
-  const std::size_t first = at;
-  for (;; ++at) {
-    const unsigned c = unit(at) | 0x20U;
-    unsigned digit = 0;
-    if (c >= '0' && c <= '9') {
-      digit = c - '0';
-    } else if (base > 10 && c >= 'a' && c < 'a' + static_cast<unsigned>(base) - 10) {
-      digit = c - 'a' + 10;
-    } else {
-      break;
-    }
-    const std::uint64_t old = value;
-    value = old * static_cast<unsigned>(base) + (negative ? 0 - std::uint64_t{digit} : std::uint64_t{digit});
-    const bool over = negative ? static_cast<std::int64_t>(value) > static_cast<std::int64_t>(old) : value < old;
-    if (over) return {ULLONG_MAX, false, Overflow};
-  }
-  if (at == first) return {0, false, NoDigits};
-  bool ok = true;
-  for (; at < text.size(); ++at) ok = ok && (unit(at) == ' ' || (unit(at) >= 9 && unit(at) <= 13));
-  return {value, ok, 0};
+  const qilsys::test::ReadInteger read = qilsys::test::ReadIntegerByTheSteps(text, base);
+  return {read.error == Overflow ? ULLONG_MAX : read.pattern, read.ok, read.error};
 }
 
 TEST(TStringCoreParseModel, AgreesForAnyText) {
