@@ -14,6 +14,8 @@ thread_local int t_failsFrom = INT_MAX;
 
 }  // namespace
 
+// Other linkers have no such means: there nothing is counted, and SeesOperatorNew says so.
+#if defined(__GNUC__)
 void* RealMalloc(std::size_t size) __asm__("__real_malloc");
 void* WrappedMalloc(std::size_t size) __asm__("__wrap_malloc");
 
@@ -21,6 +23,7 @@ void* WrappedMalloc(std::size_t size) {
   ++t_requests;
   return t_requests >= t_failsFrom ? nullptr : RealMalloc(size);
 }
+#endif
 
 FailingAllocations::FailingAllocations(int n) {
   t_requests = 0;

@@ -15,7 +15,7 @@ class FailingAllocations {
   /// The requests since it was made, failed ones included.
   int Requests() const;
 
-  /// False where another operator new has won, as under a sanitizer.
+  /// False where another operator new has won, as under a sanitizer, and where the linker has no means, as under MSVC.
   static bool SeesOperatorNew();
 };
 
