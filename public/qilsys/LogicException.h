@@ -1,4 +1,4 @@
-/// Conditions that only a bug can break, checked in every build, and what happens when one is broken.
+/// Assertions: conditions that only a bug can break, checked in every build, and what happens when one is broken.
 #pragma once
 
 #include <functional>

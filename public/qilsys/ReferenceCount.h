@@ -1,4 +1,4 @@
-/// Objects that carry their own count of owners, and the pointer that keeps it.
+/// Intrusive reference counts: objects that carry their own count of owners, and the pointer that keeps it.
 #pragma once
 
 #include <atomic>

@@ -1,4 +1,4 @@
-/// Fast hashes of byte ranges and of integers, not meant against an adversary.
+/// Fast hashes, not cryptographic ones, of byte ranges and of integers.
 ///
 /// Every result depends on the arguments alone, so it is the same in every run, process and program. The 32-bit hashes
 /// are Bob Jenkins's lookup2 (1996) and do not depend on the machine's byte order; the 64-bit and 128-bit ones are Bob
