@@ -17,7 +17,7 @@ inline void Store(void* p, __m128i value) { _mm_storeu_si128(static_cast<__m128i
 /// Ends the use of wider registers, without which the common instructions of the rest of the program are slow. GCC and
 /// Clang put vzeroupper where it belongs by themselves.
 QILSYS_ALWAYS_INLINE void LeaveWideRegisters() {
-#if defined(_MSC_VER)
+#if defined(_MSC_VER) && !defined(__clang__)
   _mm256_zeroupper();
 #endif
 }

@@ -1,3 +1,4 @@
+// The constants of FIPS 180-4, which the rounds of all forms read.
 #include "hash/ShaRounds.h"
 
 namespace qilsys::hash {

@@ -12,7 +12,7 @@ using Manual = boost::asio::detail::winsock_init<>::manual;
 #ifdef _MSC_VER
 #pragma warning(suppress : 4073)
 #pragma init_seg(lib)
-static const Manual s_manual;
+static const Manual StartByHand;
 #else
-__attribute__((init_priority(101))) static const Manual s_manual;
+__attribute__((init_priority(101))) static const Manual StartByHand;
 #endif

@@ -100,8 +100,9 @@ constexpr char32_t GetCodePoint(const U* p, int* units) {
   if (!p) return Store(units, 0, 0);
   const auto first = static_cast<char32_t>(*p);
   if ((first & 0xFFFFF800) != 0xD800) return Store(units, 1, first > 0x10FFFF ? ReplacementCharacter : first);
-  if (!IsHighSurrogate(first) || !IsLowSurrogate(static_cast<char32_t>(p[1])))
+  if (!IsHighSurrogate(first) || !IsLowSurrogate(static_cast<char32_t>(p[1]))) {
     return Store(units, 1, ReplacementCharacter);
+  }
   return Store(units, 2, JoinSurrogates(first, static_cast<char32_t>(p[1])));
 }
 

@@ -1,5 +1,9 @@
 // How processes of Linux are read where their first thread has ended, where a fork stands between, and where they are
 // hidden.
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mman.h>
