@@ -26,8 +26,9 @@ struct Sha512Quad {
     alignas(64) uint64_t rows[Words::Rounds * 3 * Lanes];
 
     Schedule() {
-      for (size_t k = 0; k < Words::Rounds; ++k)
+      for (size_t k = 0; k < Words::Rounds; ++k) {
         std::fill_n(rows + k * RowWords + ConstantsAt, Lanes, Words::Constants[k]);
+      }
     }
   };
   static constexpr size_t ConstantsAt = Lanes;

@@ -44,10 +44,12 @@ struct Backward {
 struct FoldedBackward {
   TCodeUnit operator[](int i) const {
     const TCodeUnit* unit = text + (end - 1 - i);
-    if (CodePoint::IsHighSurrogate(*unit))
+    if (CodePoint::IsHighSurrogate(*unit)) {
       return toUnit(units::HighSurrogateOf(units::foldCodePoint(CodePoint::GetCodePoint(unit))));
-    if (CodePoint::IsLowSurrogate(*unit))
+    }
+    if (CodePoint::IsLowSurrogate(*unit)) {
       return toUnit(units::LowSurrogateOf(units::foldCodePoint(CodePoint::GetCodePoint(unit - 1))));
+    }
     return units::foldCodeUnit(*unit);
   }
   const TCodeUnit* text;

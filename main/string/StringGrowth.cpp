@@ -25,8 +25,9 @@ int NextCapacity(const StringStorage& storage, int n, TStringOptions::GrowthMode
   const int current = storage.capacity();
   // Wraps at the highest int: the caller then meets a negative capacity and raises.
   const int fitted = static_cast<int>(static_cast<std::uint32_t>(n) + 1U);
-  if (mode == TStringOptions::GrowExact)
+  if (mode == TStringOptions::GrowExact) {
     return n < StringStorage::InlineCapacity ? StringStorage::InlineCapacity : fitted;
+  }
   if (n < current) return current;
   if (mode == TStringOptions::GrowAtLeast) return fitted;
   return GeometricCapacity(n);

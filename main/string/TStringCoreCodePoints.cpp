@@ -15,12 +15,14 @@ TStringCore::CodePointIterator TStringCore::codepoint_cend() const { return Code
 TStringCore::CodePointIterator TStringCore::createFromIndex(int codeUnitIndex, int codePointIndex) const {
   if (codeUnitIndex == length() || codeUnitIndex == -1) return codepoint_cend();
   const int index = codeUnitIndex < 0 ? codeUnitIndex + length() : codeUnitIndex;
-  if (index < 0 || index > length())
+  if (index < 0 || index > length()) {
     throw std::runtime_error("TStringCore::createFromIndex codeUnitIndex is out of range.");
-  if (CodePoint::IsLowSurrogate(data()[index]))
+  }
+  if (CodePoint::IsLowSurrogate(data()[index])) {
     throw std::runtime_error(
         // "begining" is spelt so on purpose: logs are searched for this text.
         "TStringCore::createFromIndex codeUnitIndex does not reference the begining of a code point.");
+  }
   return CodePointIterator(this, index, index == 0 ? 0 : codePointIndex);
 }
 

@@ -35,8 +35,9 @@ TStringCore Normalized(const TStringCore& string) {
 
 // Walks over `name`, which is ASCII, where the text starts with it.
 bool TakeName(View& text, std::string_view name) {
-  if (!std::equal(name.begin(), name.end(), text.begin(), text.begin() + std::min(name.size(), text.size())))
+  if (!std::equal(name.begin(), name.end(), text.begin(), text.begin() + std::min(name.size(), text.size()))) {
     return false;
+  }
   text.remove_prefix(name.size());
   return true;
 }

@@ -122,10 +122,11 @@ std::string TStringCore::toLatin1(bool* lossy) const {
   std::string result(size(), '?');
   const TCodeUnit* unit = data();
   for (char& byte : result) {
-    if (*unit <= 0xFF)
+    if (*unit <= 0xFF) {
       byte = static_cast<char>(*unit);
-    else
+    } else {
       substituted = true;
+    }
     ++unit;
   }
   if (lossy) *lossy = substituted;

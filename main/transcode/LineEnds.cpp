@@ -64,8 +64,9 @@ namespace qilsys::transcode {
 std::size_t CountDosUnits(const TCodeUnit* text, std::size_t length) {
   std::size_t count = 0;
   After state = After::Text;
-  for (std::size_t i = 0; text && i < length; ++i)
+  for (std::size_t i = 0; text && i < length; ++i) {
     if (Keep(text[i], state)) count += IsLineEnd(text[i]) ? 2 : 1;
+  }
   return count;
 }
 

@@ -81,8 +81,9 @@ bool Write(char32_t codePoint, char*& target, const char* end) {
 char32_t Read(const TCodeUnit*& source, const TCodeUnit* end) {
   const TCodeUnit unit = *source++;
   if (!units::IsSurrogate(unit)) return unit;
-  if (!CodePoint::IsHighSurrogate(unit) || source == end || !CodePoint::IsLowSurrogate(*source))
+  if (!CodePoint::IsHighSurrogate(unit) || source == end || !CodePoint::IsLowSurrogate(*source)) {
     return CodePoint::ReplacementCharacter;
+  }
   return CodePoint::JoinSurrogates(unit, *source++);
 }
 
@@ -110,8 +111,9 @@ bool StepUtf16(const TCodeUnit*& source, const TCodeUnit* end, char*& target, co
 
 template <class S, class T>
 void CopyAscii(const S*& source, const S* end, T*& target, const T* targetEnd) {
-  while (source < end && target < targetEnd && static_cast<std::make_unsigned_t<S>>(*source) < 0x80)
+  while (source < end && target < targetEnd && static_cast<std::make_unsigned_t<S>>(*source) < 0x80) {
     *target++ = static_cast<T>(*source++);
+  }
 }
 
 template <class S, class T, class Bulk, class Step>

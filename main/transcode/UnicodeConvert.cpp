@@ -154,8 +154,9 @@ int Utf16ToUtf8(const TCodeUnit* source, int length, char* target, int capacity)
 
 int Utf16ToUtf32(const TCodeUnit* source, int length, char32_t* target, int capacity) {
   RequireText(source, length, "Unicode::Utf16ToUtf32");
-  if (!target)
+  if (!target) {
     return Preflighted(RunUtf16ToUtf32(source, length, nullptr, 0), "Unicode::Utf16ToUtf32", "t_u_strToUTF32WithSub");
+  }
   const Outcome outcome = RunUtf16ToUtf32(source, length, target, capacity);
   RequireSuccess(outcome.status, "Unicode::Utf16ToUtf32", "t_u_strToUTF32WithSub");
   return outcome.length;

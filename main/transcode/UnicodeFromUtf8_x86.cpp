@@ -196,8 +196,9 @@ QILSYS_AVX2 Progress FromUtf8Avx2(const char* source, size_t length, TCodeUnit* 
     const __m256i low = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source));
     const __m256i high = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source + 32));
     if (_mm256_movemask_epi8(_mm256_or_si256(low, high)) == 0) {
-      for (size_t i = 0; i < Block; i += 16)
+      for (size_t i = 0; i < Block; i += 16) {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(target + i), _mm256_cvtepu8_epi16(Load(source + i)));
+      }
       source += Block;
       target += Block;
       continue;

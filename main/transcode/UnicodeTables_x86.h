@@ -65,8 +65,9 @@ struct SpreadTable {
       for (int k = 0; k < length; ++k) shuffle.bytes[i * laneBytes + k] = static_cast<std::uint8_t>(consumed - 1 - k);
     }
     // Whatever ends behind them.
-    for (; ends < Ends; ends += 1U << consumed)
+    for (; ends < Ends; ends += 1U << consumed) {
       spreads[ends] = {static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(consumed)};
+    }
   }
 };
 

@@ -56,8 +56,9 @@ int Utf8ToUtf32(const char* source, int length, char32_t* target, int capacity) 
   const std::int64_t limit = std::int64_t{capacity} - 1;
   int written = 0;
   int consumed = 0;
-  while (consumed < length && written < limit)
+  while (consumed < length && written < limit) {
     consumed += ReadSequence(source + consumed, length - consumed, target[written++]);
+  }
   if (consumed < length) ThrowSourceLeft("Unicode::Utf8ToUtf32");
   if (capacity > 0) target[written] = 0;
   return written;

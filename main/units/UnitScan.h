@@ -36,8 +36,9 @@ template <class Test>
 int scanBackward(int to, const Test& test) {
   constexpr int Count = Test::Lanes::Count;
   for (; to >= Count; to -= Count) {
-    if (const std::uint32_t bits = test.block(to - Count))
+    if (const std::uint32_t bits = test.block(to - Count)) {
       return to - Count + static_cast<int>(std::bit_width(bits)) - 1;
+    }
   }
   while (to > 0) {
     if (test.unit(--to)) return to;
