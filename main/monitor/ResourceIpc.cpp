@@ -34,7 +34,6 @@ struct ResourceIpc::Sockets {
   void OpenSendSocket() {
     OpenUninherited(m_sendSocket);
     m_sendSocket.set_option(udp::socket::broadcast(true));
-    SendFromLoopback(m_sendSocket);
   }
 
   void OpenReceiveSocket() {
@@ -72,6 +71,8 @@ ResourceIpc::ResourceIpc(unsigned short port, std::function<void(const ResourceV
       m_terminateHandler(terminateHandler) {
   m_sockets->OpenSendSocket();
   m_sockets->OpenReceiveSocket();
+  // Now that the port is taken, it can't be the one that the system chooses for the sender.
+  SendFromLoopback(m_sockets->m_sendSocket);
   m_thread = std::thread([this] { Listen(); });
 }
 
