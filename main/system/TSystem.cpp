@@ -17,7 +17,7 @@ std::uint64_t LoadCount() {
 }
 
 // Reads the counter while the library is being loaded, unless an earlier initialiser has asked already.
-[[maybe_unused]] const std::uint64_t g_loadCount = LoadCount();
+[[maybe_unused]] const std::uint64_t CountAtLoad = LoadCount();
 
 std::function<bool()>& DesktopMainThreadFunc() {
   static std::function<bool()> s_isMainThread;
