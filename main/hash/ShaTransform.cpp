@@ -26,8 +26,8 @@ using Forms = cpu::RunnableForms<ShaTransforms, 1 + MaxCpuShaTransforms>;
 
 /// What this machine can run, found once.
 const Forms& Found() {
-  static const Forms s_forms(std::span(&Portable, 1), CpuShaTransforms());
-  return s_forms;
+  static const Forms AllForms(std::span(&Portable, 1), CpuShaTransforms());
+  return AllForms;
 }
 
 const ShaTransforms* g_chosen = nullptr;

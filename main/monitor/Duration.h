@@ -8,10 +8,10 @@
 namespace qilsys::monitor {
 
 inline std::int64_t SecondsTimes(std::int64_t seconds, std::int64_t factor) {
-  constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
-  constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
-  if (seconds > highest / factor) return highest;
-  if (seconds < lowest / factor) return lowest;
+  constexpr std::int64_t Lowest = std::numeric_limits<std::int64_t>::min();
+  constexpr std::int64_t Highest = std::numeric_limits<std::int64_t>::max();
+  if (seconds > Highest / factor) return Highest;
+  if (seconds < Lowest / factor) return Lowest;
   return seconds * factor;
 }
 

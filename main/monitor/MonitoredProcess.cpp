@@ -13,8 +13,8 @@ using namespace qilsys::monitor;
 namespace {
 
 unsigned int GetNumberOfCpus() {
-  static const unsigned int s_count = CountProcessors();
-  return s_count;
+  static const unsigned int Count = CountProcessors();
+  return Count;
 }
 
 [[noreturn]] void ThrowNotRunning(unsigned int pid) {

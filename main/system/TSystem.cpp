@@ -12,8 +12,8 @@ using namespace qilsys::system;
 namespace {
 
 std::uint64_t LoadCount() {
-  static const std::uint64_t s_loadCount = PerformanceCount();
-  return s_loadCount;
+  static const std::uint64_t LoadCount = PerformanceCount();
+  return LoadCount;
 }
 
 // Reads the counter while the library is being loaded, unless an earlier initialiser has asked already.
@@ -58,9 +58,9 @@ char const* TSystem::Local8BitEncoding() {
 TSystem::MemoryInfo TSystem::Memory() noexcept { return ToMemoryInfo(MachineMemoryOrNothing(), PageSize()); }
 
 unsigned int TSystem::AppUpTime() {
-  static const double s_factor = 1000.0 / static_cast<double>(PerformanceFrequency());
+  static const double Factor = 1000.0 / static_cast<double>(PerformanceFrequency());
   const std::uint64_t count = PerformanceCount() - LoadCount();
-  return static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<double>(count) * s_factor));
+  return static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<double>(count) * Factor));
 }
 
 TStringCore TSystem::GetLastErrorString() {

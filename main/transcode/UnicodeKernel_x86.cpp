@@ -104,8 +104,8 @@ constexpr Kernel Forms[] = {
 }  // namespace
 
 std::span<const Kernel> Kernels() {
-  static const cpu::RunnableForms<Kernel, std::size(Forms)> s_forms{Forms};
-  return s_forms.All();
+  static const cpu::RunnableForms<Kernel, std::size(Forms)> Runnable{Forms};
+  return Runnable.All();
 }
 
 }  // namespace qilsys::transcode

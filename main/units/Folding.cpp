@@ -17,9 +17,9 @@ std::atomic<const FoldingTable*> FoldingTable::s_instance{nullptr};
 
 const FoldingTable& FoldingTable::build() {
   // Never destroyed: text may be compared while statics of other files are being taken down.
-  static const FoldingTable s_table;
-  s_instance.store(&s_table, std::memory_order_release);
-  return s_table;
+  static const FoldingTable Table;
+  s_instance.store(&Table, std::memory_order_release);
+  return Table;
 }
 
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only ever made in static storage, see the members
