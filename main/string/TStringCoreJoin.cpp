@@ -1,4 +1,4 @@
-// Join.
+// The texts of a list, joined into one.
 #include "qilsys/TStringCore.h"
 
 #include <algorithm>
