@@ -15,9 +15,9 @@
 
 #include "monitor/Loopback.h"
 #include "monitor/MonitoredProcess_platform.h"
-#include "monitor/SpawnedProcess.h"
 #include "qilsys/MonitoredProcess.h"
 #include "qilsys/ResourceManager.h"
+#include "support/SpawnedProcess.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "monitor/SpawnedProcess.h"
+#include "support/SpawnedProcess.h"
 
 namespace qilsys::test {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "monitor/SpawnedProcess.h"
 #include "support/Eventually.h"
+#include "support/SpawnedProcess.h"
 
 namespace qilsys::test {
 

@@ -1,5 +1,5 @@
 // The sibling for Windows is SpawnedProcess_win.cpp.
-#include "monitor/SpawnedProcess.h"
+#include "support/SpawnedProcess.h"
 
 #ifndef __linux__
 #error "This file is for Linux."

@@ -1,5 +1,5 @@
 // The sibling for Linux is SpawnedProcess_linux.cpp.
-#include "monitor/SpawnedProcess.h"
+#include "support/SpawnedProcess.h"
 
 #ifndef _WIN32
 #error "This file is for Windows."
