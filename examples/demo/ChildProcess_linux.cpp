@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -60,10 +61,15 @@ struct Pipe {
   ::_exit(127);
 }
 
+// Not every C library has a function for it that C++ can call.
+int OpenProcess(pid_t pid) { return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)); }
+
 }  // namespace
 
 struct ChildProcess::System {
   pid_t m_pid = -1;
+  // Stays with the child when its pid is used again.
+  Descriptor m_child;
   Pipe m_input;
   Pipe m_output;
   std::optional<int> m_exitCode;
@@ -76,12 +82,22 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments) : m_system
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
 
+  // Where it is ignored, which a parent can leave behind, the system keeps no exit codes.
+  ::signal(SIGCHLD, SIG_DFL);
   const pid_t parent = ::getpid();
   const pid_t pid = ::fork();
   if (pid < 0) throw std::system_error(errno, std::generic_category(), "fork");
   if (pid == 0) BecomeProgram(m_system->m_input, m_system->m_output, pointers.data(), parent);
 
   m_system->m_pid = pid;
+  m_system->m_child.Reset(OpenProcess(pid));
+  if (m_system->m_child.Get() < 0) {
+    const int error = errno;
+    // Not waited for yet, so the pid is still the child's.
+    ::kill(pid, SIGKILL);
+    ::waitpid(pid, nullptr, 0);
+    throw std::system_error(error, std::generic_category(), "pidfd_open");
+  }
   m_system->m_input.m_read.Reset(-1);
   m_system->m_output.m_write.Reset(-1);
   ::fcntl(m_system->m_output.m_read.Get(), F_SETFL, O_NONBLOCK);
@@ -90,8 +106,10 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments) : m_system
 
 ChildProcess::~ChildProcess() {
   if (ExitCode()) return;
-  ::kill(m_system->m_pid, SIGKILL);
-  ::waitpid(m_system->m_pid, nullptr, 0);
+  ::syscall(SYS_pidfd_send_signal, m_system->m_child.Get(), SIGKILL, nullptr, 0);
+  siginfo_t end{};
+  while (::waitid(P_PIDFD, static_cast<id_t>(m_system->m_child.Get()), &end, WEXITED) != 0 && errno == EINTR) {
+  }
 }
 
 unsigned int ChildProcess::Id() const { return static_cast<unsigned int>(m_system->m_pid); }
@@ -114,9 +132,10 @@ void ChildProcess::Dismiss() { m_system->m_input.m_write.Reset(-1); }
 
 std::optional<int> ChildProcess::ExitCode() {
   if (m_system->m_exitCode) return m_system->m_exitCode;
-  int status = 0;
-  if (::waitpid(m_system->m_pid, &status, WNOHANG) != m_system->m_pid) return std::nullopt;
-  m_system->m_exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  siginfo_t end{};
+  const auto child = static_cast<id_t>(m_system->m_child.Get());
+  if (::waitid(P_PIDFD, child, &end, WEXITED | WNOHANG) != 0 || end.si_pid == 0) return std::nullopt;
+  m_system->m_exitCode = end.si_code == CLD_EXITED ? end.si_status : -end.si_status;
   return m_system->m_exitCode;
 }
 

@@ -9,6 +9,9 @@ bool OutputIsTerminal();
 /// The columns of the terminal at standard output, 80 if it does not tell.
 int OutputWidth();
 
+/// Its rows, 24 if it does not tell.
+int OutputHeight();
+
 /// A UDP port that nobody holds on the loopback. Throws std::runtime_error with a text for the user.
 unsigned short FindFreePort();
 

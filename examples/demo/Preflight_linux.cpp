@@ -64,14 +64,26 @@ void SendProbe(const sockaddr_in& address) {
   }
 }
 
+// All 0 where the terminal does not tell.
+winsize OutputSize() {
+  winsize size{};
+  return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size : winsize{};
+}
+
 }  // namespace
 
 bool OutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
 int OutputWidth() {
   constexpr int Usual = 80;
-  winsize size{};
-  return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : Usual;
+  const winsize size = OutputSize();
+  return size.ws_col > 0 ? size.ws_col : Usual;
+}
+
+int OutputHeight() {
+  constexpr int Usual = 24;
+  const winsize size = OutputSize();
+  return size.ws_row > 0 ? size.ws_row : Usual;
 }
 
 unsigned short FindFreePort() {

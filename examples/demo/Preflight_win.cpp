@@ -85,24 +85,27 @@ HANDLE Output() { return ::GetStdHandle(STD_OUTPUT_HANDLE); }
 class ConsoleSetting {
  public:
   ConsoleSetting() {
-    if (!::GetConsoleMode(Output(), &m_mode)) return;
-    m_isSet = ::SetConsoleMode(Output(), m_mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
-    if (m_isSet) ::SetConsoleOutputCP(CP_UTF8);
+    m_isConsole = ::GetConsoleMode(Output(), &m_mode) != 0;
+    if (!m_isConsole) return;
+    ::SetConsoleOutputCP(CP_UTF8);
+    m_obeysSequences =
+        ::SetConsoleMode(Output(), m_mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
   }
   ~ConsoleSetting() {
-    if (!m_isSet) return;
+    if (!m_isConsole) return;
     ::SetConsoleMode(Output(), m_mode);
     ::SetConsoleOutputCP(m_codePage);
   }
   ConsoleSetting(const ConsoleSetting&) = delete;
   ConsoleSetting& operator=(const ConsoleSetting&) = delete;
 
-  bool IsSet() const { return m_isSet; }
+  bool ObeysSequences() const { return m_obeysSequences; }
 
  private:
   DWORD m_mode = 0;
   UINT m_codePage = ::GetConsoleOutputCP();
-  bool m_isSet = false;
+  bool m_isConsole = false;
+  bool m_obeysSequences = false;
 };
 
 }  // namespace
@@ -110,7 +113,7 @@ class ConsoleSetting {
 // A console too old for control sequences gets plain lines.
 bool OutputIsTerminal() {
   static const ConsoleSetting Setting;
-  return Setting.IsSet();
+  return Setting.ObeysSequences();
 }
 
 int OutputWidth() {
@@ -118,6 +121,13 @@ int OutputWidth() {
   CONSOLE_SCREEN_BUFFER_INFO info{};
   if (!::GetConsoleScreenBufferInfo(Output(), &info)) return Usual;
   return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
+int OutputHeight() {
+  constexpr int Usual = 24;
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  if (!::GetConsoleScreenBufferInfo(Output(), &info)) return Usual;
+  return info.srWindow.Bottom - info.srWindow.Top + 1;
 }
 
 unsigned short FindFreePort() {
@@ -144,7 +154,10 @@ void CheckPort(unsigned short port) {
   SendProbe(port);
   WSAPOLLFD waiting{receiver.Get(), POLLRDNORM, 0};
   if (::WSAPoll(&waiting, 1, WaitMilliseconds) != 1) {
-    throw std::runtime_error("What is sent to the loopback's broadcast address 127.255.255.255 does not arrive.");
+    // The one thing that the monitor takes Windows' word for: should a machine ever differ, this says what it is.
+    throw std::runtime_error(
+        "What is sent to the loopback's broadcast address 127.255.255.255 does not reach a socket bound to 127.0.0.1. "
+        "The monitor rests on that: on this machine members of a group can't hear each other (see docs/windows.md).");
   }
 }
 

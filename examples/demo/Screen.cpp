@@ -35,6 +35,11 @@ class PlainScreen : public Screen {
   static void Print(const TStringCore& line) { std::cout << line.toStdString() << std::endl; }
 };
 
+constexpr size_t ShownEvents = 8;
+
+// Title and blank; head, members and group; blank, progress and blank; events. The cursor stands below them.
+constexpr size_t LiveRows = 2 + 1 + MemberNames.size() + 1 + 3 + ShownEvents + 1;
+
 /// A table that is drawn again in place: title, members, progress, the latest events.
 class LiveScreen : public Screen {
  public:
@@ -70,7 +75,6 @@ class LiveScreen : public Screen {
 
  private:
   static constexpr int BarWidth = 24;
-  static constexpr size_t ShownEvents = 8;
 
   static TStringCore Row(size_t member, const Usage& usage, const TStringCore& state) {
     const TStringCore name(MemberNames[member]);
@@ -125,9 +129,11 @@ class LiveScreen : public Screen {
 }  // namespace
 
 std::unique_ptr<Screen> MakeScreen(bool plain) {
-  if (plain || !OutputIsTerminal()) return std::make_unique<PlainScreen>();
+  if (plain || !OutputIsTerminal() || !FitsLiveTable(OutputHeight())) return std::make_unique<PlainScreen>();
   return std::make_unique<LiveScreen>();
 }
+
+bool FitsLiveTable(int rows) { return rows >= static_cast<int>(LiveRows); }
 
 TStringCore Moment(double seconds) { return TFormatStringCore(u"[%1 s]").arg(seconds, 5, 'f', 1); }
 

@@ -22,8 +22,11 @@ class Screen {
   virtual void Progress(size_t done, size_t all) = 0;
 };
 
-/// A live table where standard output is a terminal and `plain` is not asked for, else plain lines.
+/// A live table where standard output is a terminal, high enough for it, and `plain` is not asked for, else plain lines.
 std::unique_ptr<Screen> MakeScreen(bool plain);
+
+/// Whether all rows of the live table fit a terminal of so many, so that it can be drawn again in place.
+bool FitsLiveTable(int rows);
 
 /// A moment as it stands before an event, such as "[ 12.3 s]".
 TStringCore Moment(double seconds);

@@ -81,23 +81,27 @@ Beat OthersStay() {
 }
 
 Beat Burn() {
-  return {u"Burner takes more CPU than the group may; asked to reclaim, it throttles itself", 20,
+  return {u"Burner takes more CPU than the group may; asked to reclaim, it throttles itself",
+          20,
           [](const Cast& cast) {
             cast.Burner().Tell("cooperate");
             cast.Burner().Tell("burn 70");
           },
           [](const Cast& cast) { return cast.Burner().Count(Sign::CpuReclaimed) > 0; },
-          u"Burner did not go over the CPU limit and come back. Other work may leave it too little to burn."};
+          u"Burner did not go over the CPU limit and come back. Other work may leave it too little to burn.",
+          true};
 }
 
 Beat Defy() {
-  return {u"Burner burns again and no longer throttles", 20,
+  return {u"Burner burns again and no longer throttles",
+          20,
           [](const Cast& cast) {
             cast.Burner().Tell("defy");
             cast.Burner().Tell("burn 70");
           },
           [](const Cast& cast) { return cast.Burner().ExitCode() == ExitCodes::Cpu; },
-          u"Burner did not end itself with the configured code."};
+          u"Burner did not end itself with the configured code.",
+          true};
 }
 
 Beat Leave() {

@@ -37,6 +37,8 @@ struct Beat {
   std::function<bool(const Cast&)> m_done;
   /// What failed, should it not be done in time.
   TStringCore m_failure;
+  /// Can't come off where the processors stay below their top clock.
+  bool m_needsFullClock = false;
 };
 
 /// The story from the first beat to the last.

@@ -57,6 +57,7 @@ Burner::~Burner() {
 
 void Burner::Burn(unsigned int percent) {
   m_percent = percent;
+  const TScopedLock scope(m_mutex);
   while (m_threads.size() < std::thread::hardware_concurrency()) m_threads.emplace_back([this] { Run(); });
 }
 

@@ -56,6 +56,7 @@ class Burner {
 
   std::atomic<unsigned int> m_percent = 0;
   TEvent m_stop;
+  TRecursiveMutex m_mutex;
   std::vector<std::thread> m_threads;
 };
 

@@ -15,7 +15,6 @@
 #include "demo/Report.h"
 #include "demo/Screen.h"
 #include "demo/Setting.h"
-#include "qilsys/MonitoredProcess.h"
 #include "qilsys/QuillonException.h"
 
 namespace {
@@ -72,12 +71,6 @@ Options ReadOptions(const std::vector<std::string>& words) {
   return options;
 }
 
-void ExplainClock() {
-  if (MonitoredProcess::IsCpuAtMaxFrequency()) return;
-  std::cerr << "The processors run below their top clock. Members then count as idle, so the CPU limit of the story "
-               "can't take effect: set the system to its performance profile and try again.\n";
-}
-
 int RunStory(const Options& options) {
   const unsigned short port = options.m_port != 0 ? options.m_port : demo::FindFreePort();
   demo::CheckPort(port);
@@ -90,12 +83,14 @@ int RunStory(const Options& options) {
   } catch (const demo::StoryFailure& failure) {
     demo::PrintSummary(director.Record());
     std::cerr << "\nThe story did not go as told: " << failure.what() << "\n";
-    ExplainClock();
     return Failed;
   }
   demo::PrintSummary(director.Record());
   demo::WriteFiles(director.Record(), std::filesystem::absolute(options.m_out));
-  std::cout << "The story went as told.\n";
+  std::cout << (director.HasLeftOutBeats()
+                    ? "The story went as told, but for the CPU limit: the processors run below their top clock, and "
+                      "members then count as idle. The system's performance profile would show it.\n"
+                    : "The story went as told.\n");
   return EXIT_SUCCESS;
 }
 
