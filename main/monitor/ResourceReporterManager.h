@@ -20,6 +20,9 @@ class ResourceReporterManager {
   /// Calls every reporter with the lock held, so a reporter may come and go from inside a report.
   void ReportAll(unsigned int seconds);
 
+  /// Nobody is called while the result lives, but by the thread that holds it.
+  [[nodiscard]] TScopedLock<TRecursiveMutex> HoldReports() { return TScopedLock<TRecursiveMutex>(m_lock); }
+
  private:
   std::vector<ResourceReporter*> m_reporters;
   TRecursiveMutex m_lock;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -120,6 +121,58 @@ TEST(ResourceReporterTest, AnAssertionReleasesTheLock) {
   CatchAssertion([&] { delete copy; });
   std::thread([] { ReportAll(1); }).join();
   EXPECT_EQ(calls, 1);
+}
+
+TEST(FunctionReporterTest, IsCalledWhileItLives) {
+  std::string calls;
+  {
+    const FunctionReporter first([&](unsigned int seconds) { calls += "a" + std::to_string(seconds) + " "; });
+    const FunctionReporter second([&](unsigned int seconds) { calls += "b" + std::to_string(seconds) + " "; });
+    ReportAll(30);
+    EXPECT_EQ(calls, "a30 b30 ");
+  }
+  calls.clear();
+  ReportAll(30);
+  EXPECT_EQ(calls, "");
+}
+
+TEST(FunctionReporterTest, AnEmptyFunctionIsNeverCalled) {
+  const FunctionReporter reporter(nullptr);
+  EXPECT_NO_THROW(ReportAll(1));
+}
+
+TEST(FunctionReporterTest, MayEndInItsOwnFunction) {
+  std::unique_ptr<FunctionReporter> reporter;
+  int calls = 0;
+  reporter = std::make_unique<FunctionReporter>([&reporter, &calls, kept = std::string(100, 'x')](unsigned int) {
+    reporter.reset();
+    calls += kept == std::string(100, 'x') ? 1 : 100;
+  });
+  ReportAll(1);
+  ReportAll(1);
+  EXPECT_EQ(calls, 1);
+}
+
+// The base alone can't do this: it is registered before its derived class is there, and after that has gone.
+TEST(FunctionReporterTest, ComesAndGoesWhileTheReportersAreCalled) {
+  std::atomic<bool> ended = false;
+  std::atomic<int> walks = 0;
+  std::thread reporting([&] {
+    while (!ended) {
+      ReportAll(1);
+      ++walks;
+    }
+  });
+  while (walks == 0) std::this_thread::yield();
+  std::atomic<int> calls = 0;
+  for (int i = 0; i < 2000; ++i) {
+    const FunctionReporter reporter([&](unsigned int) { ++calls; });
+  }
+  ended = true;
+  reporting.join();
+  const int before = calls;
+  ReportAll(1);
+  EXPECT_EQ(calls, before);
 }
 
 }  // namespace
