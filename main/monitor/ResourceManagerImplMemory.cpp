@@ -13,6 +13,12 @@ namespace {
 unsigned long long Bytes(const ResourceValuesV2& values) { return values.memoryBytes; }
 unsigned int LimitPercent(const ResourceValuesV2& values) { return values.memoryLimitPercent; }
 
+[[noreturn]] void ThrowNoMachineMemory() {
+  throw QuillonException(TStringCore(u"The memory of the machine can't be read"),
+                         TError::ErrorInfo(QuillonError::MakeError(0x3E5B17C4, u"QuillonException_AutoGen_0x3E5B17C4"),
+                                           TError::System, grpc::StatusCode::UNKNOWN));
+}
+
 }  // namespace
 
 ResourceManagerImpl::Policy ResourceManagerImpl::MemoryPolicy() {
@@ -56,7 +62,11 @@ std::optional<unsigned long long> ResourceManagerImpl::TryGetTotalMemoryUsed() {
 }
 
 unsigned long long ResourceManagerImpl::GetTotalMemoryUsed() {
-  return m_memory.m_totalMemoryFunc ? m_memory.m_totalMemoryFunc() : TSystem::Memory().m_usedPhysical;
+  if (m_memory.m_totalMemoryFunc) return m_memory.m_totalMemoryFunc();
+  const TSystem::MemoryInfo machine = TSystem::Memory();
+  // No machine has none: so a reading shows that has failed.
+  if (machine.m_totalPhysical == 0) ThrowNoMachineMemory();
+  return machine.m_usedPhysical;
 }
 
 bool ResourceManagerImpl::IsBelowAllProcessesLimit(const ResourceValuesV2& values, bool logInfo,

@@ -4,6 +4,7 @@
 
 #include "monitor/Member.h"
 #include "monitor/ResourceReporterManager.h"
+#include "monitor/Scarcity.h"
 #include "qilsys/LogicException.h"
 #include "qilsys/QuillonException.h"
 #include "qilsys/TSystem.h"
@@ -133,6 +134,17 @@ TEST(TotalMemoryTest, WithoutOneItIsTheUsedMemoryOfTheMachine) {
   const unsigned long long used = member.GetTotalMemoryUsed();
   EXPECT_GE(used, 1U);
   EXPECT_LE(used, TSystem::Memory().m_totalPhysical);
+}
+
+TEST(TotalMemoryTest, AMachineThatCantBeReadIsAnExcess) {
+  if (!NoFiles::CanBeHad()) GTEST_SKIP() << "left out on Windows: it has no means to refuse the reading";
+  Member member(Settings().Memory(1000, std::uint64_t{1} << 50));
+  const NoFiles none;
+  EXPECT_THROW(member.GetTotalMemoryUsed(), QuillonException);
+  EXPECT_FALSE(member.IsBelowMemoryThreashold(Own(member, 10), true));
+  EXPECT_EQ(member.TakeLines(),
+            Lines{"Resource Manager: Exception thrown while getting system memory usage, returning "
+                  "false from IsBelowMemoryThreashold(). The memory of the machine can't be read\n"});
 }
 
 class CountingReporter : public ResourceReporter {

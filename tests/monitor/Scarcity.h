@@ -23,4 +23,15 @@ class NoThreads {
   ~NoThreads();
 };
 
+/// While it lives, this program can open no file, where the system has means to refuse one.
+class NoFiles {
+ public:
+  static bool CanBeHad();
+
+  NoFiles();
+  NoFiles(const NoFiles&) = delete;
+  NoFiles& operator=(const NoFiles&) = delete;
+  ~NoFiles();
+};
+
 }  // namespace qilsys::test

@@ -7,6 +7,7 @@
 
 #include <pthread.h>
 #include <sys/random.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -36,6 +37,14 @@ std::size_t StackOfThreads() {
 
 const std::size_t g_stackOfThreads = StackOfThreads();
 
+rlimit LimitOfFiles() {
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  return limit;
+}
+
+const rlimit g_files = LimitOfFiles();
+
 // More than a process has of addresses.
 constexpr std::size_t g_tooLargeStack = std::size_t{1} << 47;
 
@@ -56,5 +65,13 @@ NoRandomNumbers::~NoRandomNumbers() { g_noRandomNumbers = false; }
 bool NoThreads::CanBeHad() { return true; }
 NoThreads::NoThreads() { SetStackOfThreads(g_tooLargeStack); }
 NoThreads::~NoThreads() { SetStackOfThreads(g_stackOfThreads); }
+
+bool NoFiles::CanBeHad() { return true; }
+NoFiles::NoFiles() {
+  rlimit none = g_files;
+  none.rlim_cur = 0;
+  setrlimit(RLIMIT_NOFILE, &none);
+}
+NoFiles::~NoFiles() { setrlimit(RLIMIT_NOFILE, &g_files); }
 
 }  // namespace qilsys::test

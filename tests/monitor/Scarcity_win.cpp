@@ -71,4 +71,8 @@ bool NoThreads::CanBeHad() { return false; }
 NoThreads::NoThreads() = default;
 NoThreads::~NoThreads() = default;
 
+bool NoFiles::CanBeHad() { return false; }
+NoFiles::NoFiles() = default;
+NoFiles::~NoFiles() = default;
+
 }  // namespace qilsys::test
