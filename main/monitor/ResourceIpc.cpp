@@ -10,6 +10,7 @@
 
 #include "monitor/ResourceIpc_platform.h"
 #include "monitor/ThreadJoin.h"
+#include "monitor/ThreadStart_platform.h"
 
 using boost::asio::ip::udp;
 using namespace qilsys::monitor;
@@ -73,14 +74,14 @@ ResourceIpc::ResourceIpc(unsigned short port, std::function<void(const ResourceV
   m_sockets->OpenReceiveSocket();
   // Now that the port is taken, it can't be the one that the system chooses for the sender.
   SendFromLoopback(m_sockets->m_sendSocket);
-  m_thread = std::thread([this] { Listen(); });
+  m_thread = StartThread([this] { Listen(); });
 }
 
 ResourceIpc::~ResourceIpc() { Stop(); }
 
 void ResourceIpc::Stop() {
   m_sockets->m_receiveContext.stop();
-  qilsys::monitor::JoinIfJoinable(m_thread);
+  JoinIfJoinable(m_thread);
 }
 
 void ResourceIpc::Send(const ResourceValuesV1& values) { m_sockets->Send(values); }

@@ -4,6 +4,7 @@
 
 #include "monitor/LogText.h"
 #include "monitor/ThreadJoin.h"
+#include "monitor/ThreadStart_platform.h"
 #include "qilsys/LogicException.h"
 #include "qilsys/TSystem.h"
 
@@ -103,7 +104,7 @@ void ResourceManagerImpl::StartListening(unsigned short port) {
 void ResourceManagerImpl::StartWorker() {
   QILSYS_LOGIC_ASSERT(!m_worker, "!m_worker", File, 101, 0xCF38B12E, "LogicException_LogicAssert_0xCF38B12E");
   if (m_worker) return;
-  m_worker = std::make_unique<std::thread>([this] { Work(); });
+  m_worker = std::make_unique<std::thread>(StartThread([this] { Work(); }));
 }
 
 void ResourceManagerImpl::StopThreads() {

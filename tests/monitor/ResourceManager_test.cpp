@@ -7,6 +7,7 @@
 #include <boost/uuid/entropy_error.hpp>
 #include <cmath>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -17,6 +18,7 @@
 #include "monitor/ChildProcess.h"
 #include "monitor/Loopback.h"
 #include "monitor/Scarcity.h"
+#include "monitor/Signals.h"
 #include "qilsys/QuillonException.h"
 #include "qilsys/TSystem.h"
 #include "support/CaughtAssertion.h"
@@ -357,6 +359,25 @@ TEST_F(ResourceManagerTest, StoppedItLeavesNothingOpen) {
   const unsigned int before = OpenHandles();
   for (int i = 0; i < 20; ++i) run();
   EXPECT_LE(OpenHandles(), before + MostKeptByThreads);
+}
+
+// A host that blocks a signal on its threads and waits for it by sigwait would else be ended by it.
+TEST_F(ResourceManagerTest, ItsThreadsLeaveTheSignalsToTheHost) {
+  if (!SignalsTakenHere()) GTEST_SKIP() << "left out on Windows: it interrupts no thread";
+  std::mutex mutex;
+  std::map<std::thread::id, SignalsTaken> taken;
+  m_general.m_infoEveryChecks = 1;
+  m_general.m_logFunc = [&](const TStringCore& line) {
+    const std::lock_guard lock(mutex);
+    taken.emplace(std::this_thread::get_id(), *SignalsTakenHere());
+    if (line.startsWith(u"Resource Manager: Memory info: ")) Add("info");
+  };
+  Start();
+  EXPECT_TRUE(Logged("info"));
+  ResourceManager::Stop();
+  EXPECT_EQ(taken.size(), 3U) << "this thread, the worker and the listener";
+  taken.erase(std::this_thread::get_id());
+  for (const auto& [thread, signals] : taken) EXPECT_EQ(signals, (SignalsTaken{false, true}));
 }
 
 TEST_F(ResourceManagerTest, StopOnTheWorkerThreadRaisesTheThreadError) {
