@@ -5,6 +5,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/ip/udp.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/system/system_error.hpp>
 #include <utility>
 
@@ -87,6 +88,30 @@ void ResourceIpc::Stop() {
 void ResourceIpc::Send(const ResourceValuesV1& values) { m_sockets->Send(values); }
 
 void ResourceIpc::Send(const ResourceValuesV2& values) { m_sockets->Send(values); }
+
+// What is posted after the listening has ended would stay.
+void ResourceIpc::TakeInWhatWaits(std::chrono::milliseconds most) {
+  if (m_sockets->m_receiveContext.stopped()) return;
+  const auto nothingWaits = std::make_shared<TEvent>();
+  LookWhatWaits(nothingWaits, false);
+  nothingWaits->Wait(most);
+}
+
+// Takes its turn among the receives. One that has emptied the socket may stand behind this look with its datagram, so
+// nothing waits when two looks on end have found the socket empty. It ends too when nobody waits for it any more.
+void ResourceIpc::LookWhatWaits(std::weak_ptr<TEvent> nothingWaits, bool wasEmpty) {
+  boost::asio::post(m_sockets->m_receiveContext, [this, nothingWaits = std::move(nothingWaits), wasEmpty] {
+    const std::shared_ptr<TEvent> asked = nothingWaits.lock();
+    if (!asked) return;
+    boost::system::error_code ignored;
+    const bool isEmpty = m_sockets->m_receiveSocket.available(ignored) == 0;
+    if (isEmpty && wasEmpty) {
+      asked->Signal();
+    } else {
+      LookWhatWaits(asked, isEmpty);
+    }
+  });
+}
 
 void ResourceIpc::Listen() {
   std::set_terminate(m_terminateHandler);

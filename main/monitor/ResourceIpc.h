@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <exception>
 #include <functional>
@@ -9,6 +10,7 @@
 #include <thread>
 
 #include "monitor/ResourceValues.h"
+#include "qilsys/TEvent.h"
 #include "qilsys/TStringCore.h"
 
 namespace boost::system {
@@ -39,6 +41,9 @@ class ResourceIpc {
   void Send(const ResourceValuesV1& values);
   void Send(const ResourceValuesV2& values);
 
+  /// Waits until the listening thread has handed over what waits in the socket now, and at most this long.
+  void TakeInWhatWaits(std::chrono::milliseconds most);
+
  private:
   struct Sockets;
 
@@ -46,6 +51,7 @@ class ResourceIpc {
   void PostReceive();
   void OnReceive(const boost::system::error_code& error, std::size_t length);
   void Judge(std::size_t length);
+  void LookWhatWaits(std::weak_ptr<TEvent> nothingWaits, bool wasEmpty);
 
   std::unique_ptr<Sockets> m_sockets;
   std::thread m_thread;

@@ -13,6 +13,7 @@
 #include <optional>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "monitor/ChildProcessManager.h"
 #include "monitor/ReclaimFunctions.h"
@@ -50,8 +51,14 @@ class ResourceManagerImpl {
   /// The time to wait before the next step; nothing when the worker is to end.
   using NextWait = std::optional<std::chrono::milliseconds>;
 
+  /// A time that does not come.
+  static constexpr std::int64_t Never = std::numeric_limits<std::int64_t>::max();
+
   /// The time that `m_highCpuSince` can't have.
   static constexpr std::int64_t NotHigh = std::numeric_limits<std::int64_t>::max();
+
+  /// The most identities that a table of peers holds, whatever is sent. Its own is taken on top of them.
+  static constexpr std::size_t MostMembers = 4096;
 
   /// Copies the settings and starts nothing. Throws `boost::uuids::entropy_error` if there are no random numbers.
   ResourceManagerImpl(const ResourceManager::CpuConfig& cpu, const ResourceManager::MemoryConfig& memory,
@@ -94,8 +101,12 @@ class ResourceManagerImpl {
   /// Samples this process and its children into `values`, sends that, and drops the members that have fallen silent.
   virtual void UpdateResourceValues(MonitoredProcess& self, ResourceValuesV2& values);
 
-  /// The figure that the all-processes limit is for.
+  /// The figure that the all-processes limit is for. Throws a `QuillonException` if the machine can't be read.
   virtual unsigned long long GetTotalMemoryUsed();
+
+  /// Has the listening thread take in what already waits in the socket, for a few milliseconds at most. A process that
+  /// was held up would else forget the members whose datagrams have come meanwhile, and take itself for the highest.
+  virtual void TakeInWhatWaits();
 
   bool CpuPolicyInForce() const { return m_cpu.m_maxCpuPercent >= 1 && m_cpu.m_maxCpuPercent <= 99; }
   bool MemoryPolicyInForce() const { return m_memory.m_perProcessLimit != 0; }
@@ -108,7 +119,8 @@ class ResourceManagerImpl {
   /// Sends the record in the version of the settings; any other version is a logic assertion.
   void Send(const ResourceValuesV2& values);
 
-  /// Takes a datagram into the table of peers. Runs on the listening thread.
+  /// Takes a datagram into the table of peers; a stranger only while there are fewer than `MostMembers`, and the first
+  /// that is ignored is logged. Runs on the listening thread.
   void OnValues(const ResourceValuesV2& values);
 
   /// Drops every member but this one that has been silent for its own interval.
@@ -140,6 +152,10 @@ class ResourceManagerImpl {
 
   // Under m_peersLock.
   std::map<boost::uuids::uuid, PeerRecord> m_peers;
+  /// No member falls silent before this.
+  std::int64_t m_nextSilence = Never;
+  bool m_isFullLogged = false;
+  bool m_workerHasEnded = false;
 
   // Each under a lock of its own, so that any thread may call them.
   ChildProcessManager m_children;
@@ -213,6 +229,11 @@ class ResourceManagerImpl {
   bool JudgeReclaim(const Policy& policy, MonitoredProcess& self, ResourceValuesV2& values, bool hadTime);
   bool Reclaim(const Policy& policy, MonitoredProcess& self, ResourceValuesV2& values);
   bool ExcessEndsWorker(const Policy& policy);
+  NextWait EndWork();
+
+  bool TakeIn(const boost::uuids::uuid& identity, const PeerRecord& record);
+  void DropSilent(const PeersLock& lock, std::int64_t now);
+  std::vector<ResourceValuesV2> CopyPeers();
 
   void FeedCpuMean(double sample);
   bool ExceedsCpuLimit(unsigned int total);

@@ -1,7 +1,9 @@
 // The table of peers of ResourceManagerImpl: what was last heard from each member, this one included.
 #include "monitor/ResourceManagerImpl.h"
 
+#include <algorithm>
 #include <boost/uuid/uuid_io.hpp>
+#include <utility>
 
 #include "monitor/Duration.h"
 #include "monitor/LogText.h"
@@ -9,6 +11,11 @@
 using namespace qilsys::monitor;
 
 namespace {
+
+// From when on the member does not count any more, by its own interval.
+std::int64_t SilentFrom(const PeerRecord& peer) {
+  return peer.m_receivedAt + NanosecondsOf(peer.m_values.reportIntervalSeconds);
+}
 
 TStringCore ProcessLine(const ResourceValuesV2& values) {
   return u"Resource Manager: pid: " + TStringCore::number(std::uint32_t{values.pid}) + u"; Memory info: " +
@@ -25,17 +32,38 @@ void ResourceManagerImpl::OnValues(const ResourceValuesV2& values) {
   if (values.reportIntervalSeconds == 0) {
     record.m_values.reportIntervalSeconds = static_cast<std::uint8_t>(m_general.m_checkIntervalSeconds);
   }
+  if (!TakeIn(UuidOf(values), record)) Log(u"Resource Manager: Too many members. Ignoring new ones.");
+}
+
+// False when the record is the first for which there is no room.
+bool ResourceManagerImpl::TakeIn(const boost::uuids::uuid& identity, const PeerRecord& record) {
   const PeersLock lock(m_peersLock);
-  m_peers[UuidOf(values)] = record;
+  if (m_workerHasEnded || m_peers.size() >= MostMembers) DropSilent(lock, record.m_receivedAt);
+  if (m_peers.size() >= MostMembers && identity != m_identity && !m_peers.contains(identity)) {
+    return std::exchange(m_isFullLogged, true);
+  }
+  m_peers[identity] = record;
+  if (identity != m_identity) m_nextSilence = std::min(m_nextSilence, SilentFrom(record));
+  return true;
 }
 
 void ResourceManagerImpl::PurgePeers() {
   const std::int64_t now = GetReportTime();
-  const PeersLock lock(m_peersLock);
+  DropSilent(PeersLock(m_peersLock), now);
+}
+
+// A full table is purged for each stranger that comes, so it is only walked when somebody has fallen silent.
+void ResourceManagerImpl::DropSilent(const PeersLock&, std::int64_t now) {
+  if (now < m_nextSilence) return;
+  m_nextSilence = Never;
   std::erase_if(m_peers, [&](const auto& entry) {
     const auto& [identity, peer] = entry;
-    return identity != m_identity && now >= peer.m_receivedAt + NanosecondsOf(peer.m_values.reportIntervalSeconds);
+    if (identity == m_identity) return false;
+    const std::int64_t silentFrom = SilentFrom(peer);
+    if (now < silentFrom) m_nextSilence = std::min(m_nextSilence, silentFrom);
+    return now >= silentFrom;
   });
+  if (m_peers.size() < MostMembers) m_isFullLogged = false;
 }
 
 std::pair<unsigned char, unsigned long long> ResourceManagerImpl::GetCpuAndMemoryUsage() {
@@ -49,6 +77,14 @@ std::pair<unsigned char, unsigned long long> ResourceManagerImpl::GetCpuAndMemor
 void ResourceManagerImpl::LogAllProcesses(const ResourceValuesV2& values) {
   Log(u"Resource Manager: Logging all CPU/memory info across processes.");
   Log(ProcessLine(values));
+  for (const ResourceValuesV2& peer : CopyPeers()) Log(ProcessLine(peer));
+}
+
+// Lines are made and logged from copies: the host's log may be slow, and the listener waits for the table.
+std::vector<ResourceValuesV2> ResourceManagerImpl::CopyPeers() {
   const PeersLock lock(m_peersLock);
-  ForEachPeer(lock, [this](const ResourceValuesV2& peer) { Log(ProcessLine(peer)); });
+  std::vector<ResourceValuesV2> peers;
+  peers.reserve(m_peers.size());
+  ForEachPeer(lock, [&](const ResourceValuesV2& peer) { peers.push_back(peer); });
+  return peers;
 }

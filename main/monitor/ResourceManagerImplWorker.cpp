@@ -1,6 +1,7 @@
 // The worker of ResourceManagerImpl: its pass, from the sample to the request to end the process, cut where it waits.
 #include "monitor/ResourceManagerImpl.h"
 
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -30,7 +31,7 @@ std::chrono::milliseconds ResourceManagerImpl::CheckInterval() const {
 
 ResourceManagerImpl::NextWait ResourceManagerImpl::Advance(WorkerState& state, MonitoredProcess& self, bool stopped) {
   if (!state.isReclaiming) {
-    if (stopped) return std::nullopt;
+    if (stopped) return EndWork();
     UpdateResourceValues(self, m_ownValues);
     state.logInfo = state.counter + 1 == m_general.m_infoEveryChecks;
     state.policy = 0;
@@ -43,10 +44,17 @@ ResourceManagerImpl::NextWait ResourceManagerImpl::Advance(WorkerState& state, M
       state.isReclaiming = AskToReclaim(policy, m_ownValues);
       if (state.isReclaiming) return CheckInterval();
     }
-    if (!JudgeReclaim(policy, self, m_ownValues, asked && !stopped) && ExcessEndsWorker(policy)) return std::nullopt;
+    if (!JudgeReclaim(policy, self, m_ownValues, asked && !stopped) && ExcessEndsWorker(policy)) return EndWork();
   }
   state.counter = state.logInfo ? 0 : state.counter + 1;
   return CheckInterval();
+}
+
+// From now on it is for the listener to purge the table.
+ResourceManagerImpl::NextWait ResourceManagerImpl::EndWork() {
+  const PeersLock lock(m_peersLock);
+  m_workerHasEnded = true;
+  return std::nullopt;
 }
 
 void ResourceManagerImpl::UpdateResourceValues(MonitoredProcess& self, ResourceValuesV2& values) {
@@ -61,7 +69,13 @@ void ResourceManagerImpl::UpdateResourceValues(MonitoredProcess& self, ResourceV
   }
   if (MemoryPolicyInForce()) SetMemoryFigures(values, m_children.GetMemoryUsage() + self.GetMemoryUsage());
   Send(values);
+  TakeInWhatWaits();
   PurgePeers();
+}
+
+void ResourceManagerImpl::TakeInWhatWaits() {
+  const TScopedLock lock(m_ipcLock);
+  m_ipc->TakeInWhatWaits(std::chrono::milliseconds(5));
 }
 
 void ResourceManagerImpl::SetCpuFigures(ResourceValuesV2& values, unsigned int childrenPercent,

@@ -107,6 +107,7 @@ class Member : public ResourceManagerImpl {
   using ResourceManagerImpl::m_ipc;
   using ResourceManagerImpl::m_ownValues;
   using ResourceManagerImpl::m_peers;
+  using ResourceManagerImpl::m_peersLock;
   using ResourceManagerImpl::m_rvVersion;
   using ResourceManagerImpl::m_stopEvent;
   using ResourceManagerImpl::m_worker;

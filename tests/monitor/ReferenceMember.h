@@ -41,6 +41,7 @@ class ReferenceMember {
     if (values.reportIntervalSeconds == 0) {
       values.reportIntervalSeconds = static_cast<std::uint8_t>(m_general.m_checkIntervalSeconds & 0xFF);
     }
+    if (m_ended) DropTheSilent(now);
     m_peers[values.uuid] = {values, now};
   }
 
@@ -50,6 +51,7 @@ class ReferenceMember {
     m_answers = &answers;
     m_lines.clear();
     goesOn = Run(stopped);
+    m_ended = !goesOn;
     return m_lines;
   }
 
@@ -108,8 +110,12 @@ class ReferenceMember {
       const unsigned int low = static_cast<unsigned int>(share) % 256;
       m_own.memoryLimitPercent = static_cast<std::uint8_t>(low > 100 ? 100 : low);
     }
+    DropTheSilent(m_now);
+  }
+
+  void DropTheSilent(std::int64_t now) {
     for (auto it = m_peers.begin(); it != m_peers.end();) {
-      const std::int64_t silent = m_now - it->second.m_heardAt;
+      const std::int64_t silent = now - it->second.m_heardAt;
       const bool old = silent >= it->second.m_values.reportIntervalSeconds * s_second;
       it = old && it->first != m_own.uuid ? m_peers.erase(it) : std::next(it);
     }
@@ -257,6 +263,7 @@ class ReferenceMember {
   std::map<ResourceIdentity, Peer> m_peers;
   At m_at = At::Start;
   bool m_info = false;
+  bool m_ended = false;
   unsigned int m_passes = 0;
   std::optional<std::int64_t> m_highSince;
   std::deque<double> m_window;

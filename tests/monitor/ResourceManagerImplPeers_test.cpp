@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <thread>
+
 #include "monitor/Member.h"
 
 namespace qilsys::test {
@@ -80,6 +83,109 @@ TEST(PeersTest, TheUsageOfTheGroupsViewIsTheOwnEntrys) {
   member.HearSelf();
   member.m_ownValues.cpuPercent = 99;
   EXPECT_EQ(member.GetCpuAndMemoryUsage(), (std::pair<unsigned char, unsigned long long>(33, 44)));
+}
+
+/// One of many thousand members that are told apart by `number`.
+ResourceValuesV2 Stranger(std::uint32_t number, unsigned int intervalSeconds = 10) {
+  ResourceValuesV2 values = PeerValues(0xEE, 0, 0, 0, intervalSeconds);
+  std::memcpy(values.uuid.data(), &number, sizeof number);
+  return values;
+}
+
+/// A member whose table has been filled by others, each of which stays for ten seconds.
+class FullTableTest : public testing::Test {
+ protected:
+  FullTableTest() {
+    for (std::uint32_t i = 0; i < 4096; ++i) m_member.OnValues(Stranger(i));
+    EXPECT_EQ(m_member.TakeLines(), Lines{});
+  }
+  ~FullTableTest() noexcept override = default;
+
+  bool Knows(const ResourceValuesV2& values) { return m_member.m_peers.contains(UuidOf(values)); }
+
+  Member m_member{Settings().Cpu(50)};
+  const Lines m_full{"Resource Manager: Too many members. Ignoring new ones."};
+};
+
+TEST_F(FullTableTest, IgnoresNewOnesWithOneLine) {
+  for (std::uint32_t i = 5000; i < 5010; ++i) m_member.OnValues(Stranger(i));
+  EXPECT_EQ(m_member.m_peers.size(), 4096U);
+  EXPECT_FALSE(Knows(Stranger(5000)));
+  EXPECT_EQ(m_member.TakeLines(), m_full);
+}
+
+TEST_F(FullTableTest, TakesKnownOnes) {
+  ResourceValuesV2 known = Stranger(7);
+  known.cpuPercent = 77;
+  m_member.OnValues(known);
+  EXPECT_EQ(m_member.m_peers.at(UuidOf(known)).m_values.cpuPercent, 77);
+  EXPECT_EQ(m_member.TakeLines(), Lines{});
+}
+
+TEST_F(FullTableTest, TakesTheMembersOwn) {
+  m_member.m_ownValues.cpuPercent = 33;
+  m_member.HearSelf();
+  EXPECT_EQ(m_member.GetCpuAndMemoryUsage().first, 33);
+  EXPECT_EQ(m_member.TakeLines(), Lines{});
+}
+
+TEST_F(FullTableTest, IsPurgedOnReceiptByTheSameRule) {
+  m_member.m_now += 5 * s_second;
+  m_member.OnValues(Stranger(0, 2));
+  m_member.m_now += 2 * s_second - 1;
+  m_member.OnValues(Stranger(5000));
+  EXPECT_FALSE(Knows(Stranger(5000))) << "nobody has been silent for an interval yet";
+  m_member.m_now += 1;
+  m_member.OnValues(Stranger(5000));
+  EXPECT_TRUE(Knows(Stranger(5000)));
+  EXPECT_FALSE(Knows(Stranger(0)));
+  EXPECT_EQ(m_member.m_peers.size(), 4096U);
+}
+
+TEST_F(FullTableTest, EachFillingHasItsLine) {
+  m_member.OnValues(Stranger(5000));
+  EXPECT_EQ(m_member.TakeLines(), m_full);
+  m_member.m_now += 10 * s_second;
+  for (std::uint32_t i = 0; i < 4096; ++i) m_member.OnValues(Stranger(i));
+  EXPECT_EQ(m_member.m_peers.size(), 4096U);
+  EXPECT_EQ(m_member.TakeLines(), Lines{});
+  m_member.OnValues(Stranger(5000));
+  m_member.OnValues(Stranger(5001));
+  EXPECT_EQ(m_member.TakeLines(), m_full);
+}
+
+TEST(PeersTest, WhenTheWorkerHasEndedTheTableIsPurgedOnReceipt) {
+  Member member(Settings().Cpu(50));
+  member.OnValues(PeerValues(1, 0));
+  member.m_now += s_second;
+  member.OnValues(PeerValues(2, 0));
+  EXPECT_EQ(member.m_peers.size(), 2U) << "the worker's pass is what purges";
+  member.Step(true);
+  member.OnValues(PeerValues(3, 0));
+  EXPECT_EQ(member.m_peers.size(), 2U);
+  member.m_now += s_second;
+  member.OnValues(PeerValues(4, 0));
+  EXPECT_EQ(member.m_peers.size(), 1U);
+}
+
+TEST(LogAllProcessesTest, TheTableIsFreeWhileTheHostLogs) {
+  Settings settings;
+  Member* logging = nullptr;
+  int free = 0;
+  settings.Cpu(50).m_general.m_logFunc = [&](const TStringCore& line) {
+    if (!line.startsWith(u"Resource Manager: pid: ")) return;
+    std::thread([&] {
+      if (!logging->m_peersLock.TryLock()) return;
+      ++free;
+      logging->m_peersLock.Unlock();
+    }).join();
+  };
+  Member member(settings);
+  logging = &member;
+  member.OnValues(PeerValues(1, 0));
+  member.OnValues(PeerValues(2, 0));
+  member.LogAllProcesses(member.m_ownValues);
+  EXPECT_EQ(free, 3);
 }
 
 TEST(LogAllProcessesTest, TheOwnLineComesFirstAndThenThePeersInKeyOrder) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <boost/system/system_error.hpp>
 #include <exception>
 #include <limits>
@@ -287,6 +288,84 @@ TEST_F(SamplingTest, AnUnknownVersionIsAnAssertion) {
   const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) {});
   member.UpdateResourceValues(self, member.m_ownValues);
   EXPECT_EQ(member.CountPeers(), 0U) << "nothing is sent";
+}
+
+/// A started member with a clock of the test, whose listener is held from one bad datagram on.
+class HeldListenerTest : public testing::Test {
+ protected:
+  class HeldMember : public RealMember {
+   public:
+    HeldMember(const Settings& settings, TEvent& release) : RealMember(settings), m_release(release) {}
+
+    std::int64_t GetReportTime() override { return m_now; }
+    /// As long as it takes, since a busy machine takes longer than a member waits.
+    void TakeInWhatWaits() override {
+      m_release.Signal();
+      m_ipc->TakeInWhatWaits(s_patience);
+    }
+
+    void TakeInAsAMemberDoes() { ResourceManagerImpl::TakeInWhatWaits(); }
+
+    std::atomic<std::int64_t> m_now = 0;
+
+   private:
+    TEvent& m_release;
+  };
+
+  HeldListenerTest() {
+    m_settings.Cpu(50).m_general.m_logFunc = [this](const TStringCore& line) {
+      if (!line.startsWith(u"Resource Manager: rejected")) return;
+      m_held.Signal();
+      m_release.Wait();
+    };
+    m_member = std::make_unique<HeldMember>(m_settings, m_release);
+    m_member->StartMonitoring(m_port);
+  }
+  ~HeldListenerTest() override { m_release.Signal(); }
+
+  void Hold() {
+    m_sender.Send(Bytes(3, 0x55));
+    EXPECT_TRUE(m_held.Wait(s_patience));
+  }
+
+  const unsigned short m_port = FreePort();
+  Sender m_sender{m_port};
+  TEvent m_held;
+  TEvent m_release;
+  SharedSettings m_settings;
+  std::unique_ptr<HeldMember> m_member;
+};
+
+TEST_F(HeldListenerTest, AMemberThatWasHeldUpStillKnowsTheOthers) {
+  m_sender.SendValues(PeerValues(1, 0));
+  ASSERT_TRUE(m_member->HeardSomebody());
+  Hold();
+  m_sender.SendValues(PeerValues(1, 0));
+  m_sender.SendValues(PeerValues(2, 0));
+  m_member->m_now += 10 * s_second;
+  MonitoredProcess self;
+  m_member->UpdateResourceValues(self, m_member->m_ownValues);
+  EXPECT_EQ(m_member->CountPeers(), 3U) << "both others, and itself";
+}
+
+// A listener that has ended, or gets no time, does not keep the worker.
+TEST_F(HeldListenerTest, NobodyIsWaitedForForEver) {
+  Hold();
+  m_member->TakeInAsAMemberDoes();
+  EXPECT_FALSE(m_release.IsSet());
+}
+
+TEST(TakeInWhatWaitsTest, ADeafMemberGoesOn) {
+  SharedSettings settings;
+  settings.Cpu(50);
+  RealMember member(settings);
+  const unsigned short port = FreePort();
+  member.StartMonitoring(port);
+  Sender(port).Send({});
+  ASSERT_TRUE(Eventually([&] { return settings.Copy().back() == "Resource Manager: listening thread has stopped"; }));
+  MonitoredProcess self;
+  for (int i = 0; i < 3; ++i) member.UpdateResourceValues(self, member.m_ownValues);
+  EXPECT_EQ(member.CountPeers(), 0U);
 }
 
 TEST(SteadyTimeTest, RunsForwardInNanoseconds) {
