@@ -29,7 +29,8 @@ class ResourceManagerImpl;
 /// The exported face of the resource monitor: static functions over one process-wide monitor.
 ///
 /// `Start` and `Stop` belong to the host's start-up and shutdown: no other thread may be inside any function of this
-/// class while one of them runs. All other functions may be called from any thread.
+/// class while one of them runs. All other functions may be called from any thread. The monitor's own threads take no
+/// signal that is sent to the process.
 ///
 /// Where a function says that it needs a started manager, a call without one is a logic assertion ("s_singleton"); if
 /// the assertion's hook returns, the call does nothing and yields zeros.
@@ -68,7 +69,8 @@ class QILSYS_API ResourceManager {
     /// False keeps the process alive: what would have ended it is only logged, again at every check.
     bool m_terminateOnExcess = false;
     /// Optional: gives the bytes in use by all processes, in place of the machine's used memory. Called on the
-    /// monitor's worker thread. A `QuillonException` out of it is logged and counts as an excess.
+    /// monitor's worker thread. A `QuillonException` out of it is logged and counts as an excess, as does a reading of
+    /// the machine that fails.
     std::function<unsigned long long()> m_totalMemoryFunc;
   };
 
@@ -76,7 +78,10 @@ class QILSYS_API ResourceManager {
   struct GeneralConfig {
     /// Seconds between two checks; also the time that reclaim functions are given to take effect. Must not be 0.
     std::int64_t m_checkIntervalSeconds = 1;
-    /// Seconds before the first check.
+    /// Seconds before the first check. At its first check the earliest member of a group has heard nobody, and where
+    /// several start in one instant none of them has: each then takes itself for the highest. So let members start some
+    /// tenths of a second apart, and register a reclaim function before this delay is over: an excess is then judged
+    /// one interval later, when all have been heard.
     std::int64_t m_startDelaySeconds = 0;
     /// Checks from one periodic log line to the next; 0 means never.
     std::uint32_t m_infoEveryChecks = 0;

@@ -181,6 +181,9 @@ class World {
     p.m_member->m_now = m_now;
     p.m_member->OnValues(datagram);
     p.m_reference->Hear(datagram, m_now);
+    if (!p.m_alive) {
+      EXPECT_EQ(p.m_member->m_peers.size(), p.m_reference->Peers().size());
+    }
   }
 
   void Wake(Process& p, bool stopped) {
@@ -355,6 +358,60 @@ TEST(ResourceManagerSimulationTest, TheHighestShareOfItsOwnLimitYieldsMemory) {
   metered = true;
   world.RunUntil(60 * s_second);
   EXPECT_EQ(world.Ended(), std::vector<std::size_t>{1});
+}
+
+/// Members that are over the limit of all from their first check on, until the highest has gone.
+class FirstCheckTest : public testing::Test {
+ protected:
+  /// Who has yielded in the end. Each member starts so long after the one before.
+  std::vector<std::size_t> Yielding(std::int64_t apart, bool withReclaimFunction) {
+    World world(m_random, Wire{});
+    for (const unsigned long long bytes : {200, 900, 300, 400}) {
+      const auto index = static_cast<std::int64_t>(world.Size());
+      World::Process& p =
+          world.Add(Settings().Memory(1000, 1600).TerminateMemory(1), 0, withReclaimFunction ? 1 : 0, index * apart);
+      p.m_reading.m_memoryBytes = bytes;
+      p.m_change = [&world](World::Process& changed) { changed.m_total = TotalOf(world); };
+      if (withReclaimFunction) GiveNothingBack(*p.m_member);
+    }
+    world.RunUntil(20 * s_second);
+    return world.Ended();
+  }
+
+ private:
+  // Who ends in this very instant is still there for the others.
+  static unsigned long long TotalOf(World& world) {
+    unsigned long long total = 0;
+    for (std::size_t i = 0; i < world.Size(); ++i) {
+      const World::Process& p = world.At(i);
+      if (p.m_alive || p.m_endedAt == world.Now()) total += p.m_reading.m_memoryBytes;
+    }
+    return total;
+  }
+
+  // A function of the world may give half of it back.
+  static void GiveNothingBack(Member& member) {
+    member.MemoryReclaim().Remove(u"f0");
+    member.MemoryReclaim().Add(u"f0", [](double) {});
+  }
+
+  SeededRandom m_random;
+};
+
+// Nobody has sent before the first check, so each takes itself for the highest.
+TEST_F(FirstCheckTest, MembersThatStartInOneInstantAllYield) {
+  EXPECT_EQ(Yielding(0, false), (std::vector<std::size_t>{0, 1, 2, 3}));
+}
+
+// Only the first has heard nobody.
+TEST_F(FirstCheckTest, OfMembersThatStartApartTheFirstAloneYieldsUnheard) {
+  EXPECT_EQ(Yielding(150 * s_millisecond, false), std::vector<std::size_t>{0});
+}
+
+// It gives the group an interval in which all are heard, before anybody is judged.
+TEST_F(FirstCheckTest, WithAReclaimFunctionOnlyTheHighestYields) {
+  EXPECT_EQ(Yielding(0, true), std::vector<std::size_t>{1});
+  EXPECT_EQ(Yielding(150 * s_millisecond, true), std::vector<std::size_t>{1});
 }
 
 TEST(ResourceManagerSimulationTest, ASilentMemberAgesOutByItsOwnInterval) {
