@@ -95,6 +95,30 @@ void BM_MakeAndDestroy(benchmark::State& state) {
 }
 BENCHMARK(BM_MakeAndDestroy);
 
+RefCntPtr<TCancelEvent> MakeTree(int levels, int children) {
+  const RefCntPtr<TCancelEvent> event(new TCancelEvent);
+  for (int i = 0; levels > 1 && i < children; ++i) {
+    event->Add(MakeTree(levels - 1, children));
+  }
+  return event;
+}
+
+// A chain, a fan, and a tree of 1023.
+void BM_SignalTree(benchmark::State& state) {
+  const RefCntPtr<TCancelEvent> root = MakeTree(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+  for (auto _ : state) {
+    root->Signal();
+  }
+}
+BENCHMARK(BM_SignalTree)->Args({1, 0})->Args({1000, 1})->Args({2, 1000})->Args({10, 2});
+
+void BM_MakeAndDestroyTree(benchmark::State& state) {
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(MakeTree(static_cast<int>(state.range(0)), static_cast<int>(state.range(1))));
+  }
+}
+BENCHMARK(BM_MakeAndDestroyTree)->Args({1, 0})->Args({1000, 1})->Args({2, 1000})->Args({10, 2});
+
 // All events are set, so this is the cost of registering, looking and removing.
 void BM_WaitForAllOfSetEvents(benchmark::State& state) {
   std::vector<TEvent> events(static_cast<std::size_t>(state.range(0)));
