@@ -7,8 +7,11 @@
 
 #include <windows.h>
 
+#include <cstddef>
+#include <cwchar>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -21,12 +24,27 @@ std::unique_ptr<wchar_t[]> ToUtf16(const char* text) noexcept {
   return units;
 }
 
+// A text whose bytes 16 bits can't count is lost whole in the call, so a long one goes in pieces.
+void Write(wchar_t* units) noexcept {
+  constexpr std::size_t LongestPiece = 16000;
+  std::size_t left = std::wcslen(units);
+  while (left > LongestPiece) {
+    const std::size_t length = IS_HIGH_SURROGATE(units[LongestPiece - 1]) ? LongestPiece - 1 : LongestPiece;
+    const wchar_t next = std::exchange(units[length], L'\0');
+    OutputDebugStringW(units);
+    units[length] = next;
+    units += length;
+    left -= length;
+  }
+  OutputDebugStringW(units);
+}
+
 }  // namespace
 
 // The 8-bit form of the call would read the text in the code page of the process.
 void qilsys::base::WriteToDebugChannel(const char* text) noexcept {
   if (const std::unique_ptr<wchar_t[]> units = ToUtf16(text)) {
-    OutputDebugStringW(units.get());
+    Write(units.get());
   } else {
     OutputDebugStringA(text);
   }

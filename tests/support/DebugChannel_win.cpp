@@ -23,13 +23,17 @@ std::string ToUtf8(const wchar_t* units) {
 }
 
 // A text for the debugger travels as an exception, whose first arguments are its length with the NUL and its address.
-// Going on from here is what a debugger makes of it, and keeps the system from offering the text in 8 bits as well.
+// Going on from here is what a debugger makes of it, and keeps the system from offering the text in 8 bits as well. Wine
+// offers it in 8 bits alone.
 LONG CALLBACK KeepText(EXCEPTION_POINTERS* pointers) {
   const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
-  if (record.ExceptionCode != DBG_PRINTEXCEPTION_WIDE_C) {
+  if (record.ExceptionCode == DBG_PRINTEXCEPTION_WIDE_C) {
+    g_text += ToUtf8(reinterpret_cast<const wchar_t*>(record.ExceptionInformation[1]));
+  } else if (record.ExceptionCode == DBG_PRINTEXCEPTION_C) {
+    g_text += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+  } else {
     return EXCEPTION_CONTINUE_SEARCH;
   }
-  g_text += ToUtf8(reinterpret_cast<const wchar_t*>(record.ExceptionInformation[1]));
   g_text += '\n';
   return EXCEPTION_CONTINUE_EXECUTION;
 }
