@@ -34,7 +34,7 @@ class QILSYS_API TFormatStringCore {
   template <qilsys::ForeignUnit U>
   explicit TFormatStringCore(const U* format) : TFormatStringCore(TStringCore(format)) {}
   /// The same with zero-terminated UTF-8; null counts as empty.
-  template <std::same_as<char> C>
+  template <qilsys::NarrowUnit C>
   explicit TFormatStringCore(const C* format) : TFormatStringCore(TStringCore(format)) {}
   TFormatStringCore(const TFormatStringCore&);
   ~TFormatStringCore();
