@@ -33,7 +33,7 @@ for path in tracked('main/*.cpp', 'tests/*.cpp', 'benchmarks/*.cpp', 'fuzz/*.cpp
         report.wrong(path, 'named in no CMakeLists.txt of its folder or above')
 
 concepts = {}
-for path in tracked('main/*.cpp', 'main/*.h', 'public/*.h'):
+for path in tracked('main/*.cpp', 'main/*.h', 'public/*.h', 'examples/*.cpp', 'examples/*.h'):
     concepts.setdefault(stem(path), []).append(path)
 
 
@@ -41,7 +41,7 @@ def is_about(path, area):
     """Whether the stem is a concept of the area, or such a concept cut further: TStringCoreLimits is about TStringCore."""
     for concept, homes in concepts.items():
         if re.match(re.escape(concept) + r'(?![a-z0-9])', stem(path)):
-            if any(h.startswith((f'main/{area}/', 'public/')) for h in homes):
+            if any(h.startswith((f'main/{area}/', f'examples/{area}/', 'public/')) for h in homes):
                 return True
     return False
 
@@ -49,7 +49,7 @@ def is_about(path, area):
 for path in tracked('tests/*_test.cpp', 'benchmarks/*_benchmark.cpp'):
     area = os.path.basename(os.path.dirname(path))
     if not is_about(path, area):
-        report.wrong(path, f'no {stem(path)}.cpp or .h, nor one that its name begins with, in main/{area} or public/qilsys')
+        report.wrong(path, f'no {stem(path)}.cpp or .h, nor one that its name begins with, in main/{area}, examples/{area} or public/qilsys')
 
 for path in tracked('tests/*.cpp'):
     if not path.endswith('_test.cpp') and not path.startswith(('tests/support/', 'tests/install/')):
