@@ -1,0 +1,18 @@
+#include "sweep/Operation.h"
+
+namespace qilsys::test::sweep {
+
+const std::vector<Operation>& AllOperations() {
+  static const std::vector<Operation> s_operations = [] {
+    std::vector<Operation> all;
+    for (const auto add : {&AddTextMaking, &AddTextReading, &AddTextSearching, &AddTextEditing, &AddTextCutting,
+                           &AddUnicode, &AddFormats, &AddErrors, &AddExceptions, &AddHashing, &AddSynchronizing,
+                           &AddAskingTheSystem, &AddMonitoring}) {
+      add(all);
+    }
+    return all;
+  }();
+  return s_operations;
+}
+
+}  // namespace qilsys::test::sweep
