@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "support/FormatModel.h"
-#include "support/NarrowText.h"
+#include "support/StringText.h"
 
 namespace {
 
@@ -59,7 +59,7 @@ void Check(const std::u16string& units, const Texts& parameters) {
   TStringCore result;
   const std::string missing = Failure([&] { result = format.result(); });
   Require(missing.empty() == (expected.highest <= static_cast<int>(parameters.size())));
-  Require(!missing.empty() || qilsys::test::Units(result) == expected.text);
+  Require(!missing.empty() || qilsys::test::UnitsOf(result) == expected.text);
 }
 
 }  // namespace

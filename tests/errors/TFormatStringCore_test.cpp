@@ -13,7 +13,7 @@
 
 #include "support/FailingNew.h"
 #include "support/FormatModel.h"
-#include "support/NarrowText.h"
+#include "support/StringText.h"
 #include "support/Random.h"
 #include "support/StringHeaps.h"
 
@@ -24,7 +24,7 @@ using qilsys::test::ExpectedFormat;
 using qilsys::test::FailOneByOne;
 using qilsys::test::FormatExpectation;
 using qilsys::test::Narrow;
-using qilsys::test::Units;
+using qilsys::test::UnitsOf;
 
 TStringCore Text(const std::u16string& units) { return TStringCore::fromStdU16String(units); }
 
@@ -43,9 +43,9 @@ TEST_P(TFormatStringCoreExpand, GivesTheText) {
   const ExpandRow& row = GetParam();
   TFormatStringCore format(Text(row.format));
   for (const std::u16string& parameter : row.parameters) format.arg(Text(parameter));
-  EXPECT_EQ(Units(format.result()), row.wanted);
-  EXPECT_EQ(Units(TStringCore(format)), row.wanted);
-  EXPECT_EQ(Units(format.formatString()), row.format);
+  EXPECT_EQ(UnitsOf(format.result()), row.wanted);
+  EXPECT_EQ(UnitsOf(TStringCore(format)), row.wanted);
+  EXPECT_EQ(UnitsOf(format.formatString()), row.format);
 }
 
 const ExpandRow ExpandRows[] = {
@@ -114,12 +114,12 @@ TEST(TFormatStringCore, GivesItsResultToManyThreadsAtOnce) {
   TFormatStringCore format(u"%1 and a longer text than what fits inline, %2");
   format.arg(u"a longer parameter than what fits inline").arg(1.5);
   const TFormatStringCore& shared = format;
-  const std::u16string wanted = Units(shared.result());
+  const std::u16string wanted = UnitsOf(shared.result());
   std::atomic<int> same{0};
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&] {
-      for (int round = 0; round < 100; ++round) same += Units(shared.result()) == wanted ? 1 : 0;
+      for (int round = 0; round < 100; ++round) same += UnitsOf(shared.result()) == wanted ? 1 : 0;
       same += shared.formatString().length() > 0 ? 1 : 0;
     });
   }
@@ -130,11 +130,11 @@ TEST(TFormatStringCore, GivesItsResultToManyThreadsAtOnce) {
 // ---- Templates from every kind of text
 
 TEST(TFormatStringCoreSource, TakesEveryTextType) {
-  EXPECT_EQ(Units(TFormatStringCore(u"\u20AC%1").arg(1).result()), u"\u20AC1");
-  EXPECT_EQ(Units(TFormatStringCore(L"\u20AC%1").arg(1).result()), u"\u20AC1");
-  EXPECT_EQ(Units(TFormatStringCore("\xE2\x82\xAC%1").arg(1).result()), u"\u20AC1");
-  EXPECT_EQ(Units(TFormatStringCore(L"\U0001F600%1").arg(1).result()), u"\U0001F6001");
-  EXPECT_EQ(Units(TFormatStringCore(TStringCore(u"%1")).arg(1).result()), u"1");
+  EXPECT_EQ(UnitsOf(TFormatStringCore(u"\u20AC%1").arg(1).result()), u"\u20AC1");
+  EXPECT_EQ(UnitsOf(TFormatStringCore(L"\u20AC%1").arg(1).result()), u"\u20AC1");
+  EXPECT_EQ(UnitsOf(TFormatStringCore("\xE2\x82\xAC%1").arg(1).result()), u"\u20AC1");
+  EXPECT_EQ(UnitsOf(TFormatStringCore(L"\U0001F600%1").arg(1).result()), u"\U0001F6001");
+  EXPECT_EQ(UnitsOf(TFormatStringCore(TStringCore(u"%1")).arg(1).result()), u"1");
 }
 
 TEST(TFormatStringCoreSource, TakesNullAsEmpty) {
@@ -243,7 +243,7 @@ TEST(TFormatStringCoreArg, ConvertsDoubles) {
 }
 
 TEST(TFormatStringCoreArg, TakesOneCharacter) {
-  const auto text = [](auto... values) { return Units(TFormatStringCore(u"%1").arg(values...).result()); };
+  const auto text = [](auto... values) { return UnitsOf(TFormatStringCore(u"%1").arg(values...).result()); };
   EXPECT_EQ(text(u'x'), u"x");
   EXPECT_EQ(text(L'x'), u"x");
   EXPECT_EQ(text(u'x', 3), u"  x");
@@ -259,7 +259,7 @@ TEST(TFormatStringCoreArg, TakesOneCharacter) {
 TEST(TFormatStringCoreArg, TakesAWideCharacterOfTwoUnits) {
   const bool canNeedTwo = sizeof(wchar_t) > sizeof(char16_t);
   const auto wide = static_cast<wchar_t>(canNeedTwo ? 0x1F600 : 0xD83D);
-  const auto shown = [](TFormatStringCore& format) { return Units(format.result()); };
+  const auto shown = [](TFormatStringCore& format) { return UnitsOf(format.result()); };
   EXPECT_EQ(shown(TFormatStringCore(u"%1").arg(wide)), canNeedTwo ? u"\U0001F600" : u"\xD83D");
   EXPECT_EQ(shown(TFormatStringCore(u"%1").arg(wide, 4)), canNeedTwo ? u"  \U0001F600" : u"   \xD83D");
   EXPECT_EQ(shown(TFormatStringCore(u"%1").arg(u"x", 3, wide)), canNeedTwo ? u"\xFFFD\xFFFDx" : u"\xD83D\xD83Dx");
@@ -538,7 +538,7 @@ TEST(TFormatStringCoreModel, AgreesForAnyTemplate) {
       ASSERT_THROW(made->result(), TFormatStringCore::Exception) << Narrow(Text(format));
       continue;
     }
-    ASSERT_EQ(Units(made->result()), expected.text) << Narrow(Text(format));
+    ASSERT_EQ(UnitsOf(made->result()), expected.text) << Narrow(Text(format));
     ++good;
   }
   EXPECT_GT(good, 0);

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "qilsys/TStringCore.h"
+#include "support/RowName.h"
 #include "support/SearchTexts.h"
 
 namespace qilsys::test {
@@ -17,8 +18,6 @@ struct Row {
 };
 
 void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
-
-std::string RowName(const testing::TestParamInfo<Row>& info) { return info.param.name; }
 
 const Row Rows[] = {
     {"BothEmpty", u"", u"", 0, 0},
@@ -92,7 +91,7 @@ TEST_P(Compare, OperatorsWithTextOnBothSides) {
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, Compare, testing::ValuesIn(Rows), RowName);
+INSTANTIATE_TEST_SUITE_P(Table, Compare, testing::ValuesIn(Rows), qilsys::test::RowName<Row>);
 
 TEST(CompareNul, EndsAtTheFirstNul) {
   const TStringCore a = String({u"ab\0c", 4});

@@ -20,8 +20,8 @@ TEST(Join, EdgeCases) {
   EXPECT_EQ(TStringCore::join(List{u"a", u"b"}, L','), u"a,b");
   EXPECT_EQ(TStringCore::join(List{u"", u""}, comma), u", ");
   EXPECT_EQ(TStringCore::join(List{u"a", u"b"}, TStringCore()), u"ab");
-  EXPECT_EQ(Units(TStringCore::join(List{u"a", u"b"}, u'\0')), (std::u16string{u"a\0b", 3}));
-  EXPECT_EQ(Units(TStringCore::join(List{String({u"\0a", 2}), u"b"}, comma)), (std::u16string{u"\0a, b", 5}));
+  EXPECT_EQ(UnitsOf(TStringCore::join(List{u"a", u"b"}, u'\0')), (std::u16string{u"a\0b", 3}));
+  EXPECT_EQ(UnitsOf(TStringCore::join(List{String({u"\0a", 2}), u"b"}, comma)), (std::u16string{u"\0a, b", 5}));
 }
 
 TEST(Join, OneElementIsShared) {
@@ -36,7 +36,7 @@ TEST(Join, UndoesSplit) {
   SeededRandom random;
   for (int round = Rounds(2000); round > 0; --round) {
     const std::u16string text = RandomText(random, u"ab,", 40);
-    ASSERT_EQ(Units(TStringCore::join(String(text).split(u','), u',')), text);
+    ASSERT_EQ(UnitsOf(TStringCore::join(String(text).split(u','), u',')), text);
   }
 }
 

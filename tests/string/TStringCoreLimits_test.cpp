@@ -5,6 +5,7 @@
 #include <string>
 
 #include "qilsys/TStringCore.h"
+#include "support/RowName.h"
 #include "support/StringHeaps.h"
 #include "support/StringText.h"
 #include "support/TStringCoreForTest.h"
@@ -91,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(
         GrowthRow{"AtLeastWraps", AtLeast, 0, 0x7FFFFFFF, -0x7FFFFFFF - 1}, GrowthRow{"ExactFits", Exact, 0, 14, 15},
         GrowthRow{"ExactFifteen", Exact, 0, 15, 16}, GrowthRow{"ExactShrinks", Exact, 100, 20, 21},
         GrowthRow{"ExactToInline", Exact, 100, 3, 15}, GrowthRow{"ExactWraps", Exact, 0, 0x7FFFFFFF, -0x7FFFFFFF - 1}),
-    [](const auto& row) { return row.param.name; });
+    qilsys::test::RowName<GrowthRow>);
 
 TEST(TStringCoreLimits, GeometricGrowthEndsAtTheLimit) {
   const TStringCore text;
@@ -282,8 +283,7 @@ const FailingEdit FailingEdits[] = {
     {"Data", [](TStringCore& s) { static_cast<void>(s.data()); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Edits, EditWithoutMemory, testing::ValuesIn(FailingEdits),
-                         [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Edits, EditWithoutMemory, testing::ValuesIn(FailingEdits), qilsys::test::RowName<FailingEdit>);
 
 TEST(TStringCoreLimits, InlineTextNeedsNoMemory) {
   const FailingStringHeap heap(0);

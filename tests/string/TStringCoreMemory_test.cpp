@@ -46,10 +46,10 @@ TEST_P(EditBesideABlock, ChangesNothingWhereItFails) {
       const FailingAllocations failing(n);
       GetParam().edit(text);
     } catch (const std::bad_alloc&) {
-      ASSERT_EQ(Units(text), GetParam().text) << "request " << n;
+      ASSERT_EQ(UnitsOf(text), GetParam().text) << "request " << n;
       continue;
     }
-    EXPECT_NE(Units(text), GetParam().text);
+    EXPECT_NE(UnitsOf(text), GetParam().text);
     return;
   }
   ADD_FAILURE() << "never succeeds";
@@ -78,7 +78,7 @@ TEST(StaticEditBesideABlock, ChangesNothingWhereItFails) {
     EXPECT_THROW(TStringCore::replaceAnyOf(units, set.constData(), u'_'), std::bad_alloc);
     EXPECT_THROW(TStringCore::removeAnyOf(units, set.constData()), std::bad_alloc);
   }
-  EXPECT_EQ(Units(buffer), u"a\u4E01bc");
+  EXPECT_EQ(UnitsOf(buffer), u"a\u4E01bc");
 }
 
 }  // namespace

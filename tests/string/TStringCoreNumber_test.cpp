@@ -6,13 +6,13 @@
 #include <type_traits>
 
 #include "qilsys/TStringCore.h"
-#include "support/NarrowText.h"
 #include "support/Random.h"
+#include "support/StringText.h"
 
 namespace {
 
 using qilsys::test::Narrow;
-using qilsys::test::Units;
+using qilsys::test::UnitsOf;
 
 struct IntegerRow {
   const char* name;
@@ -92,20 +92,20 @@ TYPED_TEST(TStringCoreNumberOfType, SetsTheText) {
 }
 
 TYPED_TEST(TStringCoreNumberOfType, TakesAWideFill) {
-  EXPECT_EQ(Units(TStringCore::number(TypeParam{7}, 10, 3, L'*')), u"**7");
-  EXPECT_EQ(Units(TStringCore::number(TypeParam{7}, 10, 3, u'*')), u"**7");
+  EXPECT_EQ(UnitsOf(TStringCore::number(TypeParam{7}, 10, 3, L'*')), u"**7");
+  EXPECT_EQ(UnitsOf(TStringCore::number(TypeParam{7}, 10, 3, u'*')), u"**7");
 }
 
 TEST(TStringCoreNumberFill, TakesAnyUnit) {
-  EXPECT_EQ(Units(TStringCore::number(-7, 10, 4, u'\xD83D')), u"\xD83D\xD83D-7");
-  EXPECT_EQ(Units(TStringCore::number(7, 16, 3, u'\xDE00')), u"\xDE00\xDE00\x0037");
-  EXPECT_EQ(Units(TStringCore::number(7, 10, 2, u'\0')), std::u16string(u"\0007", 2));
+  EXPECT_EQ(UnitsOf(TStringCore::number(-7, 10, 4, u'\xD83D')), u"\xD83D\xD83D-7");
+  EXPECT_EQ(UnitsOf(TStringCore::number(7, 16, 3, u'\xDE00')), u"\xDE00\xDE00\x0037");
+  EXPECT_EQ(UnitsOf(TStringCore::number(7, 10, 2, u'\0')), std::u16string(u"\0007", 2));
 }
 
 TEST(TStringCoreNumberFill, ReplacesAWideFillOfTwoUnits) {
   const bool canNeedTwo = sizeof(wchar_t) > sizeof(char16_t);
   const auto fill = static_cast<wchar_t>(canNeedTwo ? 0x1F600 : 0xD83D);
-  EXPECT_EQ(Units(TStringCore::number(7, 10, 3, fill)), canNeedTwo ? u"\xFFFD\xFFFD\x0037" : u"\xD83D\xD83D\x0037");
+  EXPECT_EQ(UnitsOf(TStringCore::number(7, 10, 3, fill)), canNeedTwo ? u"\xFFFD\xFFFD\x0037" : u"\xD83D\xD83D\x0037");
 }
 
 TEST(TStringCoreNumberBase, RaisesOutsideTheRange) {
@@ -160,7 +160,7 @@ TEST(TStringCoreNumberModel, AgreesForAnyNumberBaseWidthAndFill) {
     const int base = drawn == 37 ? 64 : random.OneIn(2) || drawn == 1 ? 10 : drawn;
     const int width = random.Between(-3, 80);
     const char16_t fill = fills[random.Between(0, 7)];
-    ASSERT_EQ(Units(TStringCore::number(value, base, width, fill)), Model(value, base, width, fill))
+    ASSERT_EQ(UnitsOf(TStringCore::number(value, base, width, fill)), Model(value, base, width, fill))
         << value << " base " << base << " width " << width << " fill " << static_cast<unsigned>(fill);
   }
 }

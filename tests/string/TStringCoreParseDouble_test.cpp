@@ -14,8 +14,8 @@
 #include "qilsys/TStringCore.h"
 #include "support/CommaLocale.h"
 #include "support/DefaultLocale.h"
-#include "support/NarrowText.h"
 #include "support/Random.h"
+#include "support/StringText.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "qilsys/TStringCore.h"
 #include "support/IntegerModel.h"
-#include "support/NarrowText.h"
+#include "support/StringText.h"
 #include "support/Random.h"
 
 namespace {

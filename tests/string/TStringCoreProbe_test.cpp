@@ -4,13 +4,13 @@
 #include <string>
 
 #include "qilsys/TStringCore.h"
-#include "support/NarrowText.h"
 #include "support/Random.h"
+#include "support/StringText.h"
 
 namespace {
 
 using qilsys::test::Narrow;
-using qilsys::test::Units;
+using qilsys::test::UnitsOf;
 
 struct IntegerRow {
   const char* name;

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "qilsys/TStringCore.h"
+#include "support/RowName.h"
 #include "support/SearchTexts.h"
 
 namespace qilsys::test {
@@ -21,8 +22,6 @@ struct Row {
 };
 
 void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
-
-std::string RowName(const testing::TestParamInfo<Row>& info) { return info.param.name; }
 
 class IndexOf : public testing::TestWithParam<Row> {};
 
@@ -66,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"NearMisses", u"aaaaaaaaaaaaaaaaaaaaaaaaab", u"aab", 0, 23, 23},
         Row{"LastUnitRepeats", u"abcabdabcabb", u"abcabb", 0, 6, 6},
         Row{"InALongText", u"................................................needle...", u"NEEDLE", 0, -1, 48}),
-    RowName);
+    qilsys::test::RowName<Row>);
 
 TEST(IndexOfNul, NeedleEndsAtItsFirstNul) {
   const TStringCore needle = String({u"b\0x", 3});
@@ -340,7 +339,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"LoneHighIsReplacement", u"a\xD801", u"\uFFFD", -1, 1, 1},
                     Row{"LowSurrogateEndsTheNeedle", u"a\uFFFDx", u"\xDC00y", -1, 1, 1},
                     Row{"HighSurrogateHidesTheNext", u"a\xD800x", u"\xD800y", -1, 1, 1}),
-    RowName);
+    qilsys::test::RowName<Row>);
 
 TEST(LastIndexOfNul, NeedleEndsAtItsFirstNul) {
   EXPECT_EQ(TStringCore(u"abab").lastIndexOf(String({u"b\0x", 3})), 3);

@@ -36,19 +36,19 @@ TEST_P(Section, EveryForm) {
   const Row& row = GetParam();
   const TStringCore text = String(row.text);
   EachRawForm(row.sep, [&](const auto* sep) {
-    EXPECT_EQ(Units(text.section(sep, row.first, row.last, row.flags)), row.wanted);
+    EXPECT_EQ(UnitsOf(text.section(sep, row.first, row.last, row.flags)), row.wanted);
   });
   for (const int length : {-1, text.length()}) {
     const TStringCore found =
         TStringCore::section(row.text.c_str(), length, row.sep.c_str(), row.first, row.last, row.flags);
-    EXPECT_EQ(Units(found), row.wanted);
+    EXPECT_EQ(UnitsOf(found), row.wanted);
   }
   const TStringCore wide =
       TStringCore::section(Wide(row.text).c_str(), -1, Wide(row.sep).c_str(), row.first, row.last, row.flags);
-  EXPECT_EQ(Units(wide), row.wanted);
+  EXPECT_EQ(UnitsOf(wide), row.wanted);
   if (row.sep.size() != 1) return;
-  EXPECT_EQ(Units(text.section(row.sep[0], row.first, row.last, row.flags)), row.wanted);
-  EXPECT_EQ(Units(text.section(static_cast<wchar_t>(row.sep[0]), row.first, row.last, row.flags)), row.wanted);
+  EXPECT_EQ(UnitsOf(text.section(row.sep[0], row.first, row.last, row.flags)), row.wanted);
+  EXPECT_EQ(UnitsOf(text.section(static_cast<wchar_t>(row.sep[0]), row.first, row.last, row.flags)), row.wanted);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -85,8 +85,8 @@ TEST(SectionNull, IsEmpty) {
 
 TEST(SectionNul, TextThatBeginsWithNulIsEmpty) {
   EXPECT_TRUE(String({u"\0,b", 3}).section(u",", 1, 1).isEmpty());
-  EXPECT_EQ(Units(String({u"a\0b,c", 5}).section(u",", 0, 0)), (std::u16string{u"a\0b", 3}));
-  EXPECT_EQ(Units(String({u"a,b\0c", 5}).section(u",", 1, 0)), u"b");
+  EXPECT_EQ(UnitsOf(String({u"a\0b,c", 5}).section(u",", 0, 0)), (std::u16string{u"a\0b", 3}));
+  EXPECT_EQ(UnitsOf(String({u"a,b\0c", 5}).section(u",", 1, 0)), u"b");
 }
 
 TEST(SectionLength, EndsTheText) {
@@ -120,7 +120,7 @@ TEST(SectionRandom, AgreesWithTheModel) {
       wanted = text.substr(static_cast<std::size_t>(start));
       if (end >= start) wanted.resize(static_cast<std::size_t>(end - start));
     }
-    ASSERT_EQ(Units(found), wanted) << testing::PrintToString(text) << testing::PrintToString(sep) << " " << first
+    ASSERT_EQ(UnitsOf(found), wanted) << testing::PrintToString(text) << testing::PrintToString(sep) << " " << first
                                     << " " << last << " " << flags;
   }
 }

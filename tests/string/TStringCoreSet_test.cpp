@@ -6,6 +6,7 @@
 
 #include "qilsys/TStringCore.h"
 #include "support/Literals.h"
+#include "support/RowName.h"
 #include "support/StringText.h"
 #include "support/TStringCoreForTest.h"
 
@@ -68,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
         RemovalRow{"LoneSurrogateIsReplacement", u"a\xFFFD\xD800z", u"\xDC00", 0, u"az", 0},
         RemovalRow{"EmptySet", u"abc", u"", 0, u"abc", 0}, RemovalRow{"NegativeStart", u"abc", u"a", -1, u"abc", 0},
         RemovalRow{"StartPastTheEnd", u"abc", u"a", 9, u"abc", 0}, RemovalRow{"EmptyText", u"", u"a", 0, u"", 0}),
-    [](const auto& row) { return row.param.name; });
+    qilsys::test::RowName<RemovalRow>);
 
 TEST(RemoveAnyOfTest, NullsChangeNothing) {
   EXPECT_EQ(TStringCore::removeAnyOf(static_cast<TCodeUnit*>(nullptr), QILSYS_UNITS("a")), 0);
@@ -143,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ReplacementRow{"EmptySet", u"abc", u"", u'x', 0, u"abc"},
                     ReplacementRow{"NegativeStart", u"abc", u"a", u'x', -1, u"abc"},
                     ReplacementRow{"StartAtTheEnd", u"abc", u"a", u'x', 3, u"abc"}),
-    [](const auto& row) { return row.param.name; });
+    qilsys::test::RowName<ReplacementRow>);
 
 TEST(ReplaceAnyOfTest, NullsChangeNothing) {
   EXPECT_EQ(TStringCore::replaceAnyOf(static_cast<TCodeUnit*>(nullptr), QILSYS_UNITS("a"), QILSYS_UNITS('x')), 0);
@@ -195,7 +196,7 @@ INSTANTIATE_TEST_SUITE_P(
                     TrimRow{"PairAtTheEnd", u" \U0001F600 ", u"\U0001F600 ", u" \U0001F600", u"\U0001F600"},
                     TrimRow{"LowAfterSpace", u"a \xDC00", u"a \xDC00", u"a", u"a"},
                     TrimRow{"OnlyLow", u"\xDC00", u"\xDC00", u"\xDC00", u"\xDC00"}),
-    [](const auto& row) { return row.param.name; });
+    qilsys::test::RowName<TrimRow>);
 
 TEST(Trim, AllWhiteSpaceGivesTheBlockUp) {
   TStringCore text(u' ', 40);

@@ -21,7 +21,7 @@ constexpr auto CaseInsensitive = TStringCore::CaseInsensitive;
 
 List UnitsOf(const std::vector<TStringCore>& strings) {
   List units;
-  for (const TStringCore& string : strings) units.push_back(Units(string));
+  for (const TStringCore& string : strings) units.push_back(UnitsOf(string));
   return units;
 }
 
@@ -229,7 +229,7 @@ TEST(SplitOnAnyEdge, WholeTextIsShared) {
 // All tokens, with the position before each call.
 List Tokens(const TStringCore& text, const std::u16string& set, TStringCore::SplitBehavior behavior) {
   List tokens;
-  for (int pos = 0; pos >= 0;) tokens.push_back(Units(text.tokenize(set.c_str(), pos, behavior)));
+  for (int pos = 0; pos >= 0;) tokens.push_back(UnitsOf(text.tokenize(set.c_str(), pos, behavior)));
   return tokens;
 }
 
@@ -338,8 +338,8 @@ TEST(TokenizeWithoutMemory, KeepsThePlaceOfTheToken) {
     EXPECT_THROW(static_cast<void>(text.tokenize(u",", pos)), TStringCore::OutOfMemoryException);
   }
   EXPECT_EQ(pos, 0);
-  EXPECT_EQ(Units(text.tokenize(u",", pos)), u"a field that is long enough for a block");
-  EXPECT_EQ(Units(text.tokenize(u",", pos)), u"b");
+  EXPECT_EQ(UnitsOf(text.tokenize(u",", pos)), u"a field that is long enough for a block");
+  EXPECT_EQ(UnitsOf(text.tokenize(u",", pos)), u"b");
   EXPECT_EQ(pos, -1);
 }
 

@@ -22,7 +22,7 @@ TEST(Left, EdgeCases) {
   EXPECT_TRUE(Long.left(0).isEmpty());
   EXPECT_TRUE(Long.left(-5).isEmpty());
   EXPECT_TRUE(TStringCore().left(3).isEmpty());
-  EXPECT_EQ(Units(String({u"a\0b", 3}).left(2)), (std::u16string{u"a\0", 2}));
+  EXPECT_EQ(UnitsOf(String({u"a\0b", 3}).left(2)), (std::u16string{u"a\0", 2}));
 }
 
 TEST(Left, WholeTextIsShared) {
@@ -60,11 +60,11 @@ TEST(Mid, WholeTextIsShared) {
 
 TEST(Mid, NegativeCountStopsAtANul) {
   const TStringCore text = String({u"ab\0cd", 5});
-  EXPECT_EQ(Units(text.mid(0)), u"ab");
-  EXPECT_EQ(Units(text.mid(1, -7)), u"b");
-  EXPECT_EQ(Units(text.mid(2)), u"");
-  EXPECT_EQ(Units(text.mid(3)), u"cd");
-  EXPECT_EQ(Units(text.mid(1, 3)), (std::u16string{u"b\0c", 3}));
+  EXPECT_EQ(UnitsOf(text.mid(0)), u"ab");
+  EXPECT_EQ(UnitsOf(text.mid(1, -7)), u"b");
+  EXPECT_EQ(UnitsOf(text.mid(2)), u"");
+  EXPECT_EQ(UnitsOf(text.mid(3)), u"cd");
+  EXPECT_EQ(UnitsOf(text.mid(1, 3)), (std::u16string{u"b\0c", 3}));
 }
 
 TEST(MidIterators, Range) {
@@ -78,7 +78,7 @@ TEST(MidIterators, Range) {
   EXPECT_TRUE(Long.mid(end, at(2)).isEmpty());
   ExpectShared(Long.mid(at(0), end), Long);
   const TStringCore nul = String({u"a\0b", 3});
-  EXPECT_EQ(Units(nul.mid(nul.createFromIndex(1), nul.codepoint_cend())), (std::u16string{u"\0b", 2}));
+  EXPECT_EQ(UnitsOf(nul.mid(nul.createFromIndex(1), nul.codepoint_cend())), (std::u16string{u"\0b", 2}));
 }
 
 TEST(MidIterators, OutsideTheTextIsEmpty) {
@@ -149,7 +149,7 @@ TEST(Repeated, EdgeCases) {
   EXPECT_EQ(Long.repeated(4).length(), 104);
   EXPECT_EQ(Long.repeated(4).capacity(), 105);
   EXPECT_TRUE(TStringCore().repeated(0x7FFFFFFF).isEmpty());
-  EXPECT_EQ(Units(String({u"\0a", 2}).repeated(2)), (std::u16string{u"\0a\0a", 4}));
+  EXPECT_EQ(UnitsOf(String({u"\0a", 2}).repeated(2)), (std::u16string{u"\0a\0a", 4}));
 }
 
 template <class F>
@@ -205,8 +205,8 @@ class Span : public testing::TestWithParam<SpanRow> {};
 TEST_P(Span, EveryForm) {
   const SpanRow& row = GetParam();
   EachRawForm(row.set, [&](const auto* set) {
-    EXPECT_EQ(Units(String(row.text).spanIncluding(set)), row.including);
-    EXPECT_EQ(Units(String(row.text).spanExcluding(set)), row.excluding);
+    EXPECT_EQ(UnitsOf(String(row.text).spanIncluding(set)), row.including);
+    EXPECT_EQ(UnitsOf(String(row.text).spanExcluding(set)), row.excluding);
   });
 }
 

@@ -8,6 +8,7 @@
 
 #include "qilsys/TStringCore.h"
 #include "support/Random.h"
+#include "support/StringText.h"
 #include "support/TextForms.h"
 
 namespace {
@@ -15,8 +16,7 @@ namespace {
 using qilsys::test::As;
 using qilsys::test::Rounds;
 using qilsys::test::SeededRandom;
-
-std::u16string Units(const TStringCore& text) { return std::u16string(text.begin(), text.end()); }
+using qilsys::test::UnitsOf;
 
 TStringCore FromUnits(std::u16string_view units) {
   return TStringCore(As<TCodeUnit>(units).data(), static_cast<int>(units.size()));
@@ -31,9 +31,9 @@ TEST(FromUtf32, NullAndZeroAreEmpty) {
 }
 
 TEST(FromUtf32, ConvertsUpToTheLengthOrTheNul) {
-  EXPECT_EQ(Units(TStringCore::fromUtf32(U"a\u00E9\U0001F600z")), u"a\u00E9\U0001F600z");
-  EXPECT_EQ(Units(TStringCore::fromUtf32(U"abc", 2)), u"ab");
-  EXPECT_EQ(Units(TStringCore::fromUtf32(U"a\0b", 3)), std::u16string(u"a\0b", 3));
+  EXPECT_EQ(UnitsOf(TStringCore::fromUtf32(U"a\u00E9\U0001F600z")), u"a\u00E9\U0001F600z");
+  EXPECT_EQ(UnitsOf(TStringCore::fromUtf32(U"abc", 2)), u"ab");
+  EXPECT_EQ(UnitsOf(TStringCore::fromUtf32(U"a\0b", 3)), std::u16string(u"a\0b", 3));
   const std::u32string full(14, 0x1F600);
   EXPECT_EQ(TStringCore::fromUtf32(full.data(), 14).length(), 28);
 }
@@ -59,12 +59,12 @@ TEST(FromLatin1, NullZeroAndNegativeLength) {
   EXPECT_EQ(TStringCore::fromLatin1(nullptr, 3).length(), 0);
   EXPECT_EQ(TStringCore::fromLatin1(nullptr).length(), 0);
   EXPECT_EQ(TStringCore::fromLatin1("abc", 0).length(), 0);
-  EXPECT_EQ(Units(TStringCore::fromLatin1("ab\xE9")), u"ab\u00E9");
-  EXPECT_EQ(Units(TStringCore::fromLatin1("a\0b", 3)), std::u16string(u"a\0b", 3));
+  EXPECT_EQ(UnitsOf(TStringCore::fromLatin1("ab\xE9")), u"ab\u00E9");
+  EXPECT_EQ(UnitsOf(TStringCore::fromLatin1("a\0b", 3)), std::u16string(u"a\0b", 3));
 }
 
 TEST(FromLatin9, MapsItsEightBytes) {
-  EXPECT_EQ(Units(TStringCore::fromLatin9("\xA4\xA6\xA8\xB4\xB8\xBC\xBD\xBE")),
+  EXPECT_EQ(UnitsOf(TStringCore::fromLatin9("\xA4\xA6\xA8\xB4\xB8\xBC\xBD\xBE")),
             u"\u20AC\u0160\u0161\u017D\u017E\u0152\u0153\u0178");
 }
 
@@ -79,9 +79,9 @@ TEST(FromLatin9, LeavesEveryOtherByte) {
 }
 
 TEST(FromLatin9, StopsAtTheFirstNulWhateverTheLength) {
-  EXPECT_EQ(Units(TStringCore::fromLatin9("a\xA4\0b", 4)), u"a\u20AC");
-  EXPECT_EQ(Units(TStringCore::fromLatin9("\0b", 2)), u"");
-  EXPECT_EQ(Units(TStringCore::fromLatin9("abc", 2)), u"ab");
+  EXPECT_EQ(UnitsOf(TStringCore::fromLatin9("a\xA4\0b", 4)), u"a\u20AC");
+  EXPECT_EQ(UnitsOf(TStringCore::fromLatin9("\0b", 2)), u"");
+  EXPECT_EQ(UnitsOf(TStringCore::fromLatin9("abc", 2)), u"ab");
   EXPECT_EQ(TStringCore::fromLatin9(nullptr, 3).length(), 0);
   EXPECT_EQ(TStringCore::fromLatin9("abc", 0).length(), 0);
 }
@@ -108,9 +108,9 @@ const LocalText* FindLocalText() {
 TEST(FromLocal8Bit, DecodesByTheDefaultConverter) {
   const LocalText* local = FindLocalText();
   if (!local) GTEST_SKIP() << "no text is known for the default converter, " << ucnv_getDefaultName();
-  EXPECT_EQ(Units(TStringCore::fromLocal8Bit(local->bytes.c_str())), local->units);
-  EXPECT_EQ(Units(TStringCore::fromLocal8Bit("abc", 2)), u"ab");
-  EXPECT_EQ(Units(TStringCore::fromLocal8Bit("a\0b", 3)), std::u16string(u"a\0b", 3));
+  EXPECT_EQ(UnitsOf(TStringCore::fromLocal8Bit(local->bytes.c_str())), local->units);
+  EXPECT_EQ(UnitsOf(TStringCore::fromLocal8Bit("abc", 2)), u"ab");
+  EXPECT_EQ(UnitsOf(TStringCore::fromLocal8Bit("a\0b", 3)), std::u16string(u"a\0b", 3));
   EXPECT_EQ(TStringCore::fromLocal8Bit(nullptr, 3).length(), 0);
   EXPECT_EQ(TStringCore::fromLocal8Bit("abc", 0).length(), 0);
   std::u16string units;
@@ -119,13 +119,13 @@ TEST(FromLocal8Bit, DecodesByTheDefaultConverter) {
     units += local->units;
     bytes += local->bytes;
   }
-  EXPECT_EQ(Units(TStringCore::fromLocal8Bit(bytes.c_str())), units);
+  EXPECT_EQ(UnitsOf(TStringCore::fromLocal8Bit(bytes.c_str())), units);
 }
 
 TEST(FromLocal8Bit, AFinalSubstituteControlIsDropped) {
-  EXPECT_EQ(Units(TStringCore::fromLocal8Bit("ab\x1A")), u"ab");
-  EXPECT_EQ(Units(TStringCore::fromLocal8Bit("a\x1A"
-                                             "b")),
+  EXPECT_EQ(UnitsOf(TStringCore::fromLocal8Bit("ab\x1A")), u"ab");
+  EXPECT_EQ(UnitsOf(TStringCore::fromLocal8Bit("a\x1A"
+                                               "b")),
             u"a\x1A"
             u"b");
 }
@@ -163,9 +163,9 @@ TEST(ToStandardString, RoundTripsOfRandomText) {
     for (int length = random.Between(0, 90); length > 0; --length)
       points += static_cast<char32_t>(random.OneIn(2) ? random.Between(1, 0xD7FF) : random.Between(0xE000, 0x10FFFF));
     const TStringCore text = TStringCore::fromUtf32(points.data(), static_cast<int>(points.size()));
-    ASSERT_EQ(Units(TStringCore::fromStdString(text.toStdString())), Units(text));
-    ASSERT_EQ(Units(TStringCore::fromStdWString(text.toStdWString())), Units(text));
-    ASSERT_EQ(Units(TStringCore::fromStdU16String(text.toStdU16String())), Units(text));
+    ASSERT_EQ(UnitsOf(TStringCore::fromStdString(text.toStdString())), UnitsOf(text));
+    ASSERT_EQ(UnitsOf(TStringCore::fromStdWString(text.toStdWString())), UnitsOf(text));
+    ASSERT_EQ(UnitsOf(TStringCore::fromStdU16String(text.toStdU16String())), UnitsOf(text));
   }
 }
 

@@ -6,6 +6,7 @@
 #include "qilsys/TStringCore.h"
 #include "qilsys/Unicode.h"
 #include "support/DefaultLocale.h"
+#include "support/RowName.h"
 #include "support/StringText.h"
 #include "support/TStringCoreForTest.h"
 
@@ -100,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(
                     LineRow{"Lf", u"a\nb", u"a\nb", u"a\r\nb"}, LineRow{"LfLf", u"\n\n", u"\n\n", u"\r\n\r\n"},
                     LineRow{"LoneCr", u"a\rb", u"a\nb", u"a\r\nb"}, LineRow{"CrAtTheEnd", u"a\r", u"a\n", u"a\r\n"},
                     LineRow{"CrAfterLfOnceBegun", u"a\r\nb\n\rc", u"a\nb\nc", u"a\r\nb\r\nc"}),
-    [](const auto& row) { return row.param.name; });
+    qilsys::test::RowName<LineRow>);
 
 TEST(LineEndingsTest, WhatDoesNotChangeStaysShared) {
   TStringCore unix = TStringCore(u"line\n").repeated(10);

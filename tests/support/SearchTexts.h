@@ -8,6 +8,7 @@
 
 #include "qilsys/TStringCore.h"
 #include "support/Random.h"
+#include "support/StringText.h"
 
 namespace qilsys::test {
 
@@ -41,11 +42,6 @@ void EachRawForm(const std::u16string& text, Check check) {
 
 /// The string of `text`, NULs included.
 inline TStringCore String(std::u16string_view text) { return TStringCore(text.data(), static_cast<int>(text.size())); }
-
-/// The units of a string, NULs included.
-inline std::u16string Units(const TStringCore& string) {
-  return {reinterpret_cast<const char16_t*>(string.constData()), string.size()};
-}
 
 /// Up to `maxLength` units, each drawn from `alphabet`.
 inline std::u16string RandomText(SeededRandom& random, std::u16string_view alphabet, std::size_t maxLength) {

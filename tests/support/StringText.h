@@ -14,6 +14,13 @@ inline std::u16string UnitsOf(const TStringCore& text) {
   return std::u16string(text.constData(), text.constData() + text.length());
 }
 
+/// Units below 0x80 as characters, any other unit as "?", so that failures print them and no conversion takes part.
+inline std::string Narrow(const TStringCore& text) {
+  std::string narrow;
+  for (const TCodeUnit unit : text) narrow.push_back(unit < 0x80 ? static_cast<char>(unit) : '?');
+  return narrow;
+}
+
 }  // namespace qilsys::test
 
 /// Found by GoogleTest. Units that are not printable ASCII show as \uXXXX.
