@@ -1,5 +1,9 @@
 #include "demo/ChildProcess.h"
 
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <gtest/gtest.h>
 #include <signal.h>
 

@@ -13,9 +13,9 @@
 
 #include "support/FailingNew.h"
 #include "support/FormatModel.h"
-#include "support/StringText.h"
 #include "support/Random.h"
 #include "support/StringHeaps.h"
+#include "support/StringText.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 
 #include "qilsys/TStringCore.h"
 #include "support/IntegerModel.h"
-#include "support/StringText.h"
 #include "support/Random.h"
+#include "support/StringText.h"
 
 namespace {
 

@@ -121,7 +121,7 @@ TEST(SectionRandom, AgreesWithTheModel) {
       if (end >= start) wanted.resize(static_cast<std::size_t>(end - start));
     }
     ASSERT_EQ(UnitsOf(found), wanted) << testing::PrintToString(text) << testing::PrintToString(sep) << " " << first
-                                    << " " << last << " " << flags;
+                                      << " " << last << " " << flags;
   }
 }
 
