@@ -34,7 +34,7 @@ TStringCore& TStringCore::append(const TStringCore& other) {
   }
   const int before = length();
   const int added = other.length();
-  TCodeUnit* units = resizeForWrite(SumOfLengths(before, added));
+  TCodeUnit* units = ResizeForWrite(m_storage, SumOfLengths(before, added));
   std::copy_n(other.constData(), added, units + before);
   return *this;
 }
@@ -48,13 +48,13 @@ TStringCore& TStringCore::append(const TCodeUnit* s, int len) {
   if (len < 0) len = length(s);
   if (len == 0) return *this;
   const int before = length();
-  std::copy_n(s, len, resizeForWrite(SumOfLengths(before, len)) + before);
+  std::copy_n(s, len, ResizeForWrite(m_storage, SumOfLengths(before, len)) + before);
   return *this;
 }
 
 TStringCore& TStringCore::appendUnitSlow(TCodeUnit c) {
   const int before = length();
-  resizeForWrite(SumOfLengths(before, 1))[before] = c;
+  ResizeForWrite(m_storage, SumOfLengths(before, 1))[before] = c;
   return *this;
 }
 
@@ -74,7 +74,7 @@ int LengthOfUtf8(const char* s, int len) {
 TStringCore& TStringCore::writeUtf8(int at, const char* s, int len) {
   len = LengthOfUtf8(s, len);
   if (len == 0) return *this;
-  TCodeUnit* units = resizeForWrite(SumOfLengths(at, len));
-  resizeForWrite(at + Unicode::Utf8ToUtf16(s, len, units + at, capacity() - at));
+  TCodeUnit* units = ResizeForWrite(m_storage, SumOfLengths(at, len));
+  ResizeForWrite(m_storage, at + Unicode::Utf8ToUtf16(s, len, units + at, capacity() - at));
   return *this;
 }
