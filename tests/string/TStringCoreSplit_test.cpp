@@ -7,9 +7,12 @@
 #include "support/SearchModels.h"
 #include "support/SearchTexts.h"
 #include "support/StringHeaps.h"
+#include "support/StringText.h"
 
 namespace qilsys::test {
 namespace {
+
+using test::UnitsOf;
 
 using List = std::vector<std::u16string>;
 
