@@ -23,7 +23,7 @@ struct Answers {
 };
 
 constexpr Leave NoFigures{Raises::Nothing, Left::Unchanged, "what the system does not give counts as zero",
-                          Result::Another};
+                          Result::Another, When::Sometimes};
 
 constexpr Row<Answers> Asking[] = {
     {"ProcessID", [](Answers& a) { a.flag = TSystem::ProcessID() != 0; }},

@@ -42,6 +42,9 @@ struct Texts {
 inline constexpr Leave StandardResult{Raises::Standard, Left::Unchanged, "its result is of the standard library"};
 inline constexpr Leave ListOfTexts{Raises::Either, Left::Unchanged,
                                    "its result is a container of the standard library"};
+/// The same where no field needs a block with every type of units.
+inline constexpr Leave ListOfShortTexts{Raises::Either, Left::Unchanged, ListOfTexts.reason, Result::Same,
+                                        When::Sometimes};
 inline constexpr char NoConverter[] = "a converter of ICU that can't be opened gives empty text";
 // Short sets and needles need no heap.
 inline constexpr Leave LongSet{Raises::Standard, Left::Unchanged, "a set of more than 64 units is decoded on the heap"};

@@ -14,7 +14,9 @@ constexpr char32_t Points[] = U"caf\u00E9 \U0001F600\r\nand more than thirty-two
 constexpr char16_t Units[] = u"caf\u00E9 \U0001F600\r\nand more than thirty-two units of text";
 constexpr wchar_t Wide[] = L"caf\u00E9 \U0001F600\r\nand more than thirty-two units of text";
 
-constexpr Leave FromForeign{Raises::Either, Left::Unchanged, StandardResult.reason};
+// Where both unit types have 16 bits nothing is converted on the way.
+constexpr Leave FromForeign{sizeof(TForeignUnit) > sizeof(TCodeUnit) ? Raises::Either : Raises::Standard,
+                            Left::Unchanged, StandardResult.reason};
 
 /// Targets of each kind, with room enough.
 struct Buffers {
