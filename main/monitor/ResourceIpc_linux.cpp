@@ -16,8 +16,9 @@ namespace qilsys::monitor {
 
 using boost::asio::ip::udp;
 
+// Sockets are always there; one that is held is held for the sake of the other system.
 SocketsInUse::SocketsInUse() = default;
-SocketsInUse::~SocketsInUse() = default;
+SocketsInUse::~SocketsInUse() {}
 
 void OpenUninherited(udp::socket& socket) {
   system::FileDescriptor descriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP));

@@ -9,7 +9,6 @@
 namespace {
 
 using qilsys::synchronize::NoLimit;
-using qilsys::synchronize::TPlatformEvent;
 
 // Reports name the place by this path on every system.
 constexpr char File[] = "main/synchronize/TEventBase_win";

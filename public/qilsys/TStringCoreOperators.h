@@ -30,6 +30,7 @@ inline std::weak_ordering operator<=>(TCodeUnit c, const TStringCore& s) { retur
 
 // ---- Foreign text and units, on either side
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a type can't stand in parentheses.
 #define QILSYS_FOREIGN_COMPARISON(Result, op)                                             \
   template <qilsys::ForeignUnit U>                                                        \
   Result operator op(const TStringCore& a, const U* b) {                                  \
@@ -57,6 +58,7 @@ QILSYS_FOREIGN_COMPARISON(bool, >=)
 QILSYS_FOREIGN_COMPARISON(std::weak_ordering, <=>)
 
 #undef QILSYS_FOREIGN_COMPARISON
+// NOLINTEND(bugprone-macro-parentheses)
 
 // ---- Concatenation: a temporary of the left operand, then append
 
