@@ -51,8 +51,8 @@ std::function<bool()> TSystem::SetDesktopMainThreadFunc(std::function<bool()> is
 }
 
 char const* TSystem::Local8BitEncoding() {
-  static char const* const s_charset = CharsetOfCodePage(ActiveCodePage());
-  return s_charset;
+  static char const* const Charset = CharsetOfCodePage(ActiveCodePage());
+  return Charset;
 }
 
 TSystem::MemoryInfo TSystem::Memory() noexcept { return ToMemoryInfo(MachineMemoryOrNothing(), PageSize()); }

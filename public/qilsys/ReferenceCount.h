@@ -147,6 +147,7 @@ class RefCntPtr {
   ~RefCntPtr() { reset(); }
 
   /// The new object gains its owner before the old one loses it, so the two may depend on each other.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a copy is made first, then swapped.
   RefCntPtr& operator=(const RefCntPtr& other) noexcept {
     RefCntPtr(other).swap(*this);
     return *this;
