@@ -7,6 +7,7 @@
 
 #include "support/NoDescriptors.h"
 #include "support/OpenHandles.h"
+#include "system/TSystem_platform.h"
 
 namespace qilsys::system {
 namespace {
@@ -14,7 +15,7 @@ namespace {
 /// A file of a test, which is removed at its end.
 class TestFile {
  public:
-  TestFile() : m_path(testing::TempDir() + "text_file_test_" + std::to_string(getpid())) {}
+  TestFile() : m_path(testing::TempDir() + "text_file_test_" + std::to_string(CurrentProcessId())) {}
   TestFile(const TestFile&) = delete;
   TestFile& operator=(const TestFile&) = delete;
   ~TestFile() { std::remove(m_path.c_str()); }
