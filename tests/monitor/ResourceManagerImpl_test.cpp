@@ -51,6 +51,10 @@ class RealMember : public ResourceManagerImpl {
  public:
   explicit RealMember(const Settings& settings)
       : ResourceManagerImpl(settings.m_cpu, settings.m_memory, settings.m_general) {}
+  RealMember(const RealMember&) = delete;
+  RealMember& operator=(const RealMember&) = delete;
+  /// The worker calls virtual operations, so it ends before this is an object of the base alone.
+  ~RealMember() noexcept(false) override { StopThreads(); }
 
   using ResourceManagerImpl::GetReportTime;
   using ResourceManagerImpl::GetSteadyTime;
