@@ -19,6 +19,13 @@ namespace TError {
 class ErrorInfo;  // TError.h
 }
 
+// What the forms of text for the platform's other unit type are made of
+struct TStringOptions;  // TStringOptions.h
+namespace qilsys {
+class TForeignText;    // TForeignText.h
+class TForeignBuffer;  // TForeignText.h
+}  // namespace qilsys
+
 // Synchronisation
 template <class T>
 class RefCntObjectNonVirtualBase;  // ReferenceCount.h
@@ -42,6 +49,9 @@ class ResourceManager;
 class ResourceReporter;
 class MonitoredProcess;
 struct ProcessMemoryInfo;  // MonitoredProcess.h
+namespace qilsys {
+class FunctionReporter;  // ResourceReporter.h
+}
 
 // Hashing
 class sha2;
