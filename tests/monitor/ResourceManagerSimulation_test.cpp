@@ -366,7 +366,7 @@ class FirstCheckTest : public testing::Test {
   /// Who has yielded in the end. Each member starts so long after the one before.
   std::vector<std::size_t> Yielding(std::int64_t apart, bool withReclaimFunction) {
     World world(m_random, Wire{});
-    for (const unsigned long long bytes : {200, 900, 300, 400}) {
+    for (const unsigned long long bytes : {200U, 900U, 300U, 400U}) {
       const auto index = static_cast<std::int64_t>(world.Size());
       World::Process& p =
           world.Add(Settings().Memory(1000, 1600).TerminateMemory(1), 0, withReclaimFunction ? 1 : 0, index * apart);
