@@ -21,7 +21,7 @@ class ChildProcess {
   /// Ends the process; the system does not forget it before it is reaped.
   void EndUnreaped() const { m_process.KillUnreaped(); }
 
-  void Reap() { EXPECT_EQ(m_process.Wait(), s_killed); }
+  void Reap() { EXPECT_EQ(m_process.Wait(), KilledBySignal); }
 
  private:
   SpawnedProcess m_process;

@@ -15,10 +15,10 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-const CaughtAssertion s_present{"main/monitor/ChildProcessManager", 19, "m_processes.emplace(pid, pid).second",
-                                0xB2145A1B, "LogicException_LogicAssert_0xB2145A1B"};
-const CaughtAssertion s_absent{"main/monitor/ChildProcessManager", 28, "m_processes.erase(pid) > 0", 0xD96CB2C8,
-                               "LogicException_LogicAssert_0xD96CB2C8"};
+const CaughtAssertion Present{"main/monitor/ChildProcessManager", 19, "m_processes.emplace(pid, pid).second",
+                              0xB2145A1B, "LogicException_LogicAssert_0xB2145A1B"};
+const CaughtAssertion Absent{"main/monitor/ChildProcessManager", 28, "m_processes.erase(pid) > 0", 0xD96CB2C8,
+                             "LogicException_LogicAssert_0xD96CB2C8"};
 
 std::string Adding(unsigned int pid) { return "Resource Manager: Adding child process: " + std::to_string(pid); }
 std::string Removing(unsigned int pid) { return "Resource Manager: Removing child process: " + std::to_string(pid); }
@@ -52,12 +52,12 @@ TEST_F(ChildProcessManagerTest, AddsUpTheChildren) {
 TEST_F(ChildProcessManagerTest, ARegisteredPidLogsAndThenAsserts) {
   const ChildProcess child;
   m_children.AddChild(child.Pid());
-  EXPECT_EQ(CatchAssertion([&] { m_children.AddChild(child.Pid()); }), s_present);
+  EXPECT_EQ(CatchAssertion([&] { m_children.AddChild(child.Pid()); }), Present);
   EXPECT_EQ(m_lines, (Lines{Adding(child.Pid()), Adding(child.Pid())}));
 }
 
 TEST_F(ChildProcessManagerTest, AnUnknownPidLogsAndThenAsserts) {
-  EXPECT_EQ(CatchAssertion([&] { m_children.RemoveChild(12); }), s_absent);
+  EXPECT_EQ(CatchAssertion([&] { m_children.RemoveChild(12); }), Absent);
   EXPECT_EQ(m_lines, Lines{Removing(12)});
 }
 
@@ -70,7 +70,7 @@ TEST_F(ChildProcessManagerTest, AProcessThatIsNotRunningIsNotInserted) {
     EXPECT_EQ(exception.GetErrorCode(), 0xC1062A71U);
   }
   EXPECT_EQ(m_lines, Lines{Adding(0x7FFFFFFF)});
-  EXPECT_EQ(CatchAssertion([&] { m_children.RemoveChild(0x7FFFFFFF); }), s_absent);
+  EXPECT_EQ(CatchAssertion([&] { m_children.RemoveChild(0x7FFFFFFF); }), Absent);
 }
 
 TEST_F(ChildProcessManagerTest, AnEndedChildStaysAndReadsAsNothing) {
@@ -81,7 +81,7 @@ TEST_F(ChildProcessManagerTest, AnEndedChildStaysAndReadsAsNothing) {
   m_children.GetCpuUsage();
   EXPECT_EQ(m_children.GetCpuUsage(), 0U);
   EXPECT_EQ(m_children.GetMemoryUsage(), 0U);
-  EXPECT_EQ(CatchAssertion([&] { m_children.AddChild(child.Pid()); }), s_present);
+  EXPECT_EQ(CatchAssertion([&] { m_children.AddChild(child.Pid()); }), Present);
   m_children.RemoveChild(child.Pid());
 }
 

@@ -5,8 +5,8 @@
 namespace qilsys::monitor {
 namespace {
 
-constexpr std::int64_t s_highest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t s_lowest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t Highest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t Lowest = std::numeric_limits<std::int64_t>::min();
 
 TEST(DurationTest, MultipliesWithinTheRange) {
   EXPECT_EQ(NanosecondsOf(0), 0);
@@ -17,10 +17,10 @@ TEST(DurationTest, MultipliesWithinTheRange) {
 
 TEST(DurationTest, StopsAtTheEndsOfTheRange) {
   EXPECT_EQ(NanosecondsOf(9'223'372'036), 9'223'372'036'000'000'000);
-  EXPECT_EQ(NanosecondsOf(9'223'372'037), s_highest);
-  EXPECT_EQ(NanosecondsOf(s_highest), s_highest);
-  EXPECT_EQ(NanosecondsOf(s_lowest), s_lowest);
-  EXPECT_EQ(MillisecondsOf(s_highest).count(), s_highest);
+  EXPECT_EQ(NanosecondsOf(9'223'372'037), Highest);
+  EXPECT_EQ(NanosecondsOf(Highest), Highest);
+  EXPECT_EQ(NanosecondsOf(Lowest), Lowest);
+  EXPECT_EQ(MillisecondsOf(Highest).count(), Highest);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ using namespace monitor;
 
 using Lines = std::vector<std::string>;
 
-constexpr std::int64_t s_second = 1'000'000'000;
+constexpr std::int64_t Second = 1'000'000'000;
 
 /// An identity as the log lines print it.
 inline std::string IdentityText(const ResourceIdentity& identity) {
@@ -131,7 +131,7 @@ class Member : public ResourceManagerImpl {
     return m_total ? m_total() : ResourceManagerImpl::GetTotalMemoryUsed();
   }
 
-  std::int64_t m_now = 1000 * s_second;
+  std::int64_t m_now = 1000 * Second;
   Reading m_reading;
   /// Gives the reading of each sample, in place of `m_reading`.
   std::function<Reading()> m_read;

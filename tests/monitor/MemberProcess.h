@@ -102,7 +102,7 @@ class MemberProcess {
   /// Waits for the end of the process, and ends it when patience has run out: its exit code. All its lines have been
   /// read then.
   int Exit() {
-    const auto end = std::chrono::steady_clock::now() + s_patience;
+    const auto end = std::chrono::steady_clock::now() + Patience;
     while (!m_ended && std::chrono::steady_clock::now() < end) ReadFor(std::chrono::milliseconds(100));
     if (!m_ended) m_process.Kill();
     return m_process.Wait();

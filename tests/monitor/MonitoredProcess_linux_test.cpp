@@ -112,7 +112,7 @@ TEST(MonitoredProcessLinuxTest, AProcessWhoseFirstThreadHasEndedStillHasItsMemor
   const Bell ended;
   const Bell looked;
   ForkedChild child([&] {
-    static const Block s_block;
+    static const Block StatBlock;
     // Made by the first thread, whose status it therefore opens.
     static const MonitoredProcess s_self;
     if (s_self.GetMemoryUsage() < BlockBytes) return 1;
@@ -139,7 +139,7 @@ TEST(MonitoredProcessLinuxTest, AWatchedProcessMayLoseItsFirstThread) {
   const Bell ended;
   const Bell looked;
   ForkedChild child([&]() -> int {
-    static const Block s_block;
+    static const Block StatBlock;
     watches.Await();
     EndFirstThreadBut([&] {
       ended.Ring();

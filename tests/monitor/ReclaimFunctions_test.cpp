@@ -15,13 +15,13 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-const CaughtAssertion s_emptyFunction{"main/monitor/ReclaimFunctions", 19, "func", 0x90402CEB,
-                                      "LogicException_LogicAssert_0x90402CEB"};
-const CaughtAssertion s_nameTaken{"main/monitor/ReclaimFunctions", 23,
-                                  "m_functions.insert(std::make_pair(name, func)).second", 0x4A8DFC55,
-                                  "LogicException_LogicAssert_0x4A8DFC55"};
-const CaughtAssertion s_nameUnknown{"main/monitor/ReclaimFunctions", 31, "m_functions.erase(name) > 0", 0x559557CC,
-                                    "LogicException_LogicAssert_0x559557CC"};
+const CaughtAssertion EmptyFunction{"main/monitor/ReclaimFunctions", 19, "func", 0x90402CEB,
+                                    "LogicException_LogicAssert_0x90402CEB"};
+const CaughtAssertion NameTaken{"main/monitor/ReclaimFunctions", 23,
+                                "m_functions.insert(std::make_pair(name, func)).second", 0x4A8DFC55,
+                                "LogicException_LogicAssert_0x4A8DFC55"};
+const CaughtAssertion NameUnknown{"main/monitor/ReclaimFunctions", 31, "m_functions.erase(name) > 0", 0x559557CC,
+                                  "LogicException_LogicAssert_0x559557CC"};
 
 class ReclaimFunctionsTest : public testing::Test {
  protected:
@@ -64,21 +64,21 @@ TEST_F(ReclaimFunctionsTest, PassesTheArgumentOn) {
 }
 
 TEST_F(ReclaimFunctionsTest, AnEmptyFunctionIsAnAssertion) {
-  EXPECT_EQ(CatchAssertion([&] { m_functions.Add(u"a", nullptr); }), s_emptyFunction);
+  EXPECT_EQ(CatchAssertion([&] { m_functions.Add(u"a", nullptr); }), EmptyFunction);
   EXPECT_FALSE(m_functions.Reclaim(Log(), 0));
 }
 
 TEST_F(ReclaimFunctionsTest, ATakenNameIsAnAssertionAndTheFirstStays) {
   m_functions.Add(u"a", Call("first"));
-  EXPECT_EQ(CatchAssertion([&] { m_functions.Add(u"a", Call("second")); }), s_nameTaken);
+  EXPECT_EQ(CatchAssertion([&] { m_functions.Add(u"a", Call("second")); }), NameTaken);
   m_functions.Reclaim(Log(), 0);
   EXPECT_EQ(m_lines.back(), "call first");
 }
 
 TEST_F(ReclaimFunctionsTest, AnUnknownNameIsAnAssertion) {
-  EXPECT_EQ(CatchAssertion([&] { m_functions.Remove(u"a"); }), s_nameUnknown);
+  EXPECT_EQ(CatchAssertion([&] { m_functions.Remove(u"a"); }), NameUnknown);
   m_functions.Add(u"a", Call("a"));
-  EXPECT_EQ(CatchAssertion([&] { m_functions.Remove(u"A"); }), s_nameUnknown);
+  EXPECT_EQ(CatchAssertion([&] { m_functions.Remove(u"A"); }), NameUnknown);
 }
 
 TEST_F(ReclaimFunctionsTest, RemovesByName) {

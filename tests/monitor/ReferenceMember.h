@@ -116,7 +116,7 @@ class ReferenceMember {
   void DropTheSilent(std::int64_t now) {
     for (auto it = m_peers.begin(); it != m_peers.end();) {
       const std::int64_t silent = now - it->second.m_heardAt;
-      const bool old = silent >= it->second.m_values.reportIntervalSeconds * s_second;
+      const bool old = silent >= it->second.m_values.reportIntervalSeconds * Second;
       it = old && it->first != m_own.uuid ? m_peers.erase(it) : std::next(it);
     }
   }
@@ -150,7 +150,7 @@ class ReferenceMember {
       Line("Detected high CPU usage. " + Number(total) + "%");
       m_highSince = m_now;
     }
-    const bool longEnough = m_now - *m_highSince > m_cpu.m_sustainedSeconds * s_second;
+    const bool longEnough = m_now - *m_highSince > m_cpu.m_sustainedSeconds * Second;
     if (largest > mine || !longEnough) return true;
     Line("Exceeded sustained high CPU threshold above " + Number(m_cpu.m_maxCpuPercent) + "% for " +
          std::to_string(m_cpu.m_sustainedSeconds) + " seconds.  This process has the highest usage of " + Number(mine) +

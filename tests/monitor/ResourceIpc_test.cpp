@@ -72,8 +72,8 @@ ResourceValuesV2 Sample(std::uint8_t id) {
   return values;
 }
 
-const char* s_stopped = "Resource Manager: listening thread has stopped";
-const char* s_rejected = "Resource Manager: rejected invalid network packet from: 127.0.0.1";
+const char* Stopped = "Resource Manager: listening thread has stopped";
+const char* Rejected = "Resource Manager: rejected invalid network packet from: 127.0.0.1";
 
 TEST(ResourceIpcTest, EveryMemberHearsAllItselfIncluded) {
   const unsigned short port = FreePort();
@@ -128,7 +128,7 @@ TEST(ResourceIpcTest, OtherLengthsAreRejectedAndListeningGoesOn) {
     sender.Send(Bytes(lengths[i], 0x55));
     ASSERT_TRUE(listener.HasLines(i + 1)) << lengths[i];
   }
-  EXPECT_EQ(listener.Lines(), std::vector<std::string>(lengths.size(), s_rejected));
+  EXPECT_EQ(listener.Lines(), std::vector<std::string>(lengths.size(), Rejected));
   EXPECT_TRUE(listener.Values().empty());
   sender.SendValues(Sample(1));
   EXPECT_TRUE(listener.HasValues(1));
@@ -155,7 +155,7 @@ TEST_P(EmptyDatagramTest, EndsListeningWhileSendingGoesOn) {
   Sender(port, GetParam()).Send({});
   ASSERT_TRUE(deaf.HasLines(2));
   const std::string noError = boost::system::error_code().message();
-  EXPECT_EQ(deaf.Lines(), (std::vector<std::string>{"Resource Manager: socket error: " + noError, s_stopped}));
+  EXPECT_EQ(deaf.Lines(), (std::vector<std::string>{"Resource Manager: socket error: " + noError, Stopped}));
 
   Listener hearing(port);
   deaf.Ipc().Send(Sample(9));
@@ -171,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(FromAnywhere, EmptyDatagramTest, testing::Values("127.0
 TEST(ResourceIpcTest, StoppingLogsThatTheThreadHasStopped) {
   Listener listener(FreePort());
   listener.Destroy();
-  EXPECT_EQ(listener.Lines(), std::vector<std::string>{s_stopped});
+  EXPECT_EQ(listener.Lines(), std::vector<std::string>{Stopped});
 }
 
 TEST(ResourceIpcTest, StoppingTwiceIsStoppingOnce) {
@@ -179,7 +179,7 @@ TEST(ResourceIpcTest, StoppingTwiceIsStoppingOnce) {
   listener.Ipc().Stop();
   listener.Ipc().Stop();
   listener.Destroy();
-  EXPECT_EQ(listener.Lines(), std::vector<std::string>{s_stopped});
+  EXPECT_EQ(listener.Lines(), std::vector<std::string>{Stopped});
 }
 
 TEST(ResourceIpcTest, StoppingOnTheListeningThreadIsTheThreadError) {
@@ -215,7 +215,7 @@ TEST(ResourceIpcTest, AProgramThatIsStartedInheritsNoSocket) {
   Listener listener(port);
   const ChildProcess child;
   listener.Destroy();
-  EXPECT_EQ(listener.Lines(), std::vector<std::string>{s_stopped});
+  EXPECT_EQ(listener.Lines(), std::vector<std::string>{Stopped});
   EXPECT_NO_THROW(Stranger{port});
 }
 
@@ -268,7 +268,7 @@ TEST(ResourceIpcTest, AFailedSendThrowsAndListeningGoesOn) {
   send(Narrow(Sample(1)));
   EXPECT_TRUE(listener.Lines().empty());
   listener.Destroy();
-  EXPECT_EQ(listener.Lines(), std::vector<std::string>{s_stopped});
+  EXPECT_EQ(listener.Lines(), std::vector<std::string>{Stopped});
 }
 
 TEST(ResourceIpcTest, AThreadThatCantBeStartedLeavesThePortFree) {

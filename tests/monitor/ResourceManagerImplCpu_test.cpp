@@ -11,7 +11,7 @@ ResourceValuesV2 Own(Member& member, unsigned int cpuPercent) {
   return member.m_ownValues;
 }
 
-const char* s_excess =
+const char* Excess =
     "Resource Manager: Exceeded sustained high CPU threshold above 90% for 10 seconds.  This process has the highest "
     "usage of ";
 
@@ -50,7 +50,7 @@ TEST(CpuThresholdTest, AMemberThatIsNotTheHighestOnlyLogsTheHighUsage) {
   member.OnValues(PeerValues(2, 45));
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 30), false));
   EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: Detected high CPU usage. 100%"});
-  member.m_now += 60 * s_second;
+  member.m_now += 60 * Second;
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 30), false));
   EXPECT_EQ(member.TakeLines(), Lines{});
 }
@@ -59,10 +59,10 @@ TEST(CpuThresholdTest, ATieLeavesTheMemberTheHighest) {
   Member member(Settings().Cpu(90, 10));
   member.OnValues(PeerValues(1, 50));
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 50), false));
-  member.m_now += 11 * s_second;
+  member.m_now += 11 * Second;
   EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 50), false));
   EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Detected high CPU usage. 100%", s_excess + std::string("50%")}));
+            (Lines{"Resource Manager: Detected high CPU usage. 100%", Excess + std::string("50%")}));
 }
 
 TEST(CpuThresholdTest, ATotalEqualToTheLimitIsNotOverItAndResetsTheTimer) {
@@ -77,12 +77,11 @@ TEST(CpuThresholdTest, ATotalEqualToTheLimitIsNotOverItAndResetsTheTimer) {
 TEST(CpuThresholdTest, TheSustainedTimeMustBePassed) {
   Member member(Settings().Cpu(90, 10));
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 95), false));
-  member.m_now += 10 * s_second;
+  member.m_now += 10 * Second;
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 95), false)) << "exactly the time is not over it";
   member.m_now += 1;
   EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 95), false));
-  EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Detected high CPU usage. 95%", s_excess + std::string("95%")}));
+  EXPECT_EQ(member.TakeLines(), (Lines{"Resource Manager: Detected high CPU usage. 95%", Excess + std::string("95%")}));
 }
 
 TEST(CpuThresholdTest, NoSustainedTimeStillNeedsASecondLook) {
@@ -104,7 +103,7 @@ TEST(CpuThresholdTest, TheTimerRunsOnWhileAnotherIsTheHighest) {
   Member member(Settings().Cpu(90, 10));
   member.OnValues(PeerValues(1, 60));
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 45), false));
-  member.m_now += 11 * s_second;
+  member.m_now += 11 * Second;
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 45), false));
   member.m_peers.clear();
   EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 91), false)) << "the top member has gone";
@@ -153,7 +152,7 @@ TEST(RollingMeanTest, IsComparedInPlaceOfTheTotal) {
   EXPECT_EQ(member.m_highCpuSince, ResourceManagerImpl::NotHigh);
   EXPECT_TRUE(member.IsBelowCpuThreshold(Own(member, 90), false));
   EXPECT_EQ(member.TakeLines(), Lines{"Resource Manager: Detected high CPU usage. 90%"});
-  member.m_now += 4 * s_second;
+  member.m_now += 4 * Second;
   EXPECT_FALSE(member.IsBelowCpuThreshold(Own(member, 60), false)) << "the mean is still 70";
 }
 
@@ -191,14 +190,14 @@ TEST(CpuReportTest, TheSecondsAreMultipliedIn32Bits) {
   EXPECT_EQ(reporter->m_seconds, (std::vector<unsigned int>{0xFFFFFFFE}));
 }
 
-const char* s_excessWithoutTime =
+const char* ExcessWithoutTime =
     "Resource Manager: Exceeded sustained high CPU threshold above 50% for 0 seconds.  This process has the highest "
     "usage of 70%";
-const char* s_asked = "Resource Manager: Reclaiming CPU. Number registered functions: 1";
-const char* s_called = "Resource Manager: Calling reclaim function named: pool";
-const char* s_stillHigh = "Resource Manager: CPU info: 70%; 70% (Quillon total); 0 (info count)";
-const char* s_reclaimed = "Resource Manager: CPU reclaimed. Process termination has been averted!";
-const char* s_notReclaimed = "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.";
+const char* Asked = "Resource Manager: Reclaiming CPU. Number registered functions: 1";
+const char* Called = "Resource Manager: Calling reclaim function named: pool";
+const char* StillHigh = "Resource Manager: CPU info: 70%; 70% (Quillon total); 0 (info count)";
+const char* Reclaimed = "Resource Manager: CPU reclaimed. Process termination has been averted!";
+const char* NotReclaimed = "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.";
 
 /// A member that has been over its limit for long when it samples next.
 class CpuReclaimTest : public testing::Test {
@@ -224,7 +223,7 @@ TEST_F(CpuReclaimTest, FunctionsGetMinusOne) {
   EXPECT_TRUE(m_member.Step());
   EXPECT_EQ(m_member.m_samples, 2);
   EXPECT_EQ(m_member.TakeLines(),
-            (Lines{s_excessWithoutTime, s_asked, s_called, "Resource Manager: CPU info: 0%", s_reclaimed}));
+            (Lines{ExcessWithoutTime, Asked, Called, "Resource Manager: CPU info: 0%", Reclaimed}));
 }
 
 TEST_F(CpuReclaimTest, WhatIsStillTooHighHasNotBeenReclaimed) {
@@ -234,7 +233,7 @@ TEST_F(CpuReclaimTest, WhatIsStillTooHighHasNotBeenReclaimed) {
   const Lines lines = m_member.TakeLines();
   ASSERT_GE(lines.size(), 6U);
   EXPECT_EQ(Lines(lines.begin(), lines.begin() + 6),
-            (Lines{s_excessWithoutTime, s_asked, s_called, s_stillHigh, s_excessWithoutTime, s_notReclaimed}));
+            (Lines{ExcessWithoutTime, Asked, Called, StillHigh, ExcessWithoutTime, NotReclaimed}));
 }
 
 /// The same without an interval to wait for.
@@ -248,10 +247,10 @@ class CpuReclaimInOnePieceTest : public CpuReclaimTest {
 TEST_F(CpuReclaimInOnePieceTest, IsAskingAndJudging) {
   m_member.CpuReclaim().Add(u"pool", [](double) {});
   EXPECT_FALSE(Reclaim());
-  EXPECT_EQ(m_member.TakeLines(), (Lines{s_asked, s_called, s_stillHigh, s_excessWithoutTime, s_notReclaimed}));
+  EXPECT_EQ(m_member.TakeLines(), (Lines{Asked, Called, StillHigh, ExcessWithoutTime, NotReclaimed}));
   m_member.m_reading.m_cpuPercent = 0;
   EXPECT_TRUE(Reclaim());
-  EXPECT_EQ(m_member.TakeLines(), (Lines{s_asked, s_called, "Resource Manager: CPU info: 0%", s_reclaimed}));
+  EXPECT_EQ(m_member.TakeLines(), (Lines{Asked, Called, "Resource Manager: CPU info: 0%", Reclaimed}));
   EXPECT_EQ(m_member.m_samples, 2);
 }
 
@@ -260,7 +259,7 @@ TEST(CpuReclaimWaitTest, WithoutFunctionsThereIsNone) {
   EXPECT_FALSE(member.ReclaimCpu(member.m_self, member.m_ownValues));
   EXPECT_EQ(member.m_samples, 0);
   EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 0", s_notReclaimed}));
+            (Lines{"Resource Manager: Reclaiming CPU. Number registered functions: 0", NotReclaimed}));
 }
 
 TEST(CpuReclaimWaitTest, AStopDuringItIsAFailure) {
@@ -269,7 +268,7 @@ TEST(CpuReclaimWaitTest, AStopDuringItIsAFailure) {
   member.m_stopEvent.Signal();
   EXPECT_FALSE(member.ReclaimCpu(member.m_self, member.m_ownValues));
   EXPECT_EQ(member.m_samples, 0);
-  EXPECT_EQ(member.TakeLines(), (Lines{s_asked, s_called, s_notReclaimed}));
+  EXPECT_EQ(member.TakeLines(), (Lines{Asked, Called, NotReclaimed}));
 }
 
 }  // namespace

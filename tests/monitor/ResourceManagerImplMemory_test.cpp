@@ -26,7 +26,7 @@ class MemoryMember : public Member {
   }
 };
 
-const std::string s_across = "Resource Manager: Exceeded allowed memory usage across all processes. Memory info: ";
+const std::string Across = "Resource Manager: Exceeded allowed memory usage across all processes. Memory info: ";
 
 TEST(MemoryThresholdTest, AboveThePerProcessLimitFailsWithoutAnyFurtherLook) {
   Member member(Settings().Memory(1'000'000, 5'000'000));
@@ -66,8 +66,8 @@ TEST(MemoryThresholdTest, TheHighestShareOfItsOwnLimitYields) {
   MemoryMember member(Settings().Memory(1000, 5000), 5001);
   member.OnValues(PeerValues(1, 0, 999'999, 49));
   EXPECT_FALSE(member.IsBelowMemoryThreashold(Own(member, 500), false)) << "bytes do not rank";
-  EXPECT_EQ(member.TakeLines(), Lines{s_across + "500 bytes (current process);1,000,499 bytes (Quillon total); 5,001 "
-                                                 "bytes (total of all processes); 1 (info count)"});
+  EXPECT_EQ(member.TakeLines(), Lines{Across + "500 bytes (current process);1,000,499 bytes (Quillon total); 5,001 "
+                                               "bytes (total of all processes); 1 (info count)"});
 }
 
 TEST(MemoryThresholdTest, ATieYields) {
@@ -93,7 +93,7 @@ TEST(MemoryThresholdTest, AnInfoAndAnExcessLineComeTogether) {
   EXPECT_FALSE(member.IsBelowMemoryThreashold(Own(member, 500), true));
   const std::string figures =
       "500 bytes (current process);500 bytes (Quillon total); 1 bytes (total of all processes); 0 (info count)";
-  EXPECT_EQ(member.TakeLines(), (Lines{"Resource Manager: Memory info: " + figures, s_across + figures}));
+  EXPECT_EQ(member.TakeLines(), (Lines{"Resource Manager: Memory info: " + figures, Across + figures}));
 }
 
 TEST(MemoryThresholdTest, AFailedReadingIsLoggedAndCountsAsAnExcess) {
@@ -163,12 +163,12 @@ TEST(MemoryReportTest, ReportersAreCalledBesideTheInfoLineAndTheExcessLine) {
   EXPECT_EQ(reporter->m_seconds, (std::vector<unsigned int>{20, 20}));
 }
 
-const char* s_asked = "Resource Manager: Reclaiming memory. Number registered functions: 1";
-const char* s_called = "Resource Manager: Calling reclaim function named: cache";
-const char* s_reclaimed = "Resource Manager: Memory reclaimed. Process termination has been averted!";
-const char* s_notReclaimed = "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.";
-const char* s_overItsLimit = "Resource Manager: Exceeded allowed memory usage per process. 1,250 bytes";
-const char* s_below =
+const char* Asked = "Resource Manager: Reclaiming memory. Number registered functions: 1";
+const char* Called = "Resource Manager: Calling reclaim function named: cache";
+const char* Reclaimed = "Resource Manager: Memory reclaimed. Process termination has been averted!";
+const char* NotReclaimed = "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.";
+const char* OverItsLimit = "Resource Manager: Exceeded allowed memory usage per process. 1,250 bytes";
+const char* Below =
     "Resource Manager: Memory info: 250 bytes (current process);250 bytes (Quillon total); 1 bytes (total of all "
     "processes); 0 (info count)";
 
@@ -194,7 +194,7 @@ TEST_F(MemoryReclaimTest, FunctionsGetTheUsedFraction) {
   EXPECT_EQ(argument, 1.25);
   EXPECT_TRUE(m_member.Step());
   EXPECT_EQ(m_member.m_samples, 2);
-  EXPECT_EQ(m_member.TakeLines(), (Lines{s_overItsLimit, s_asked, s_called, s_below, s_reclaimed}));
+  EXPECT_EQ(m_member.TakeLines(), (Lines{OverItsLimit, Asked, Called, Below, Reclaimed}));
 }
 
 TEST_F(MemoryReclaimTest, WhatIsStillTooMuchHasNotBeenReclaimed) {
@@ -203,8 +203,7 @@ TEST_F(MemoryReclaimTest, WhatIsStillTooMuchHasNotBeenReclaimed) {
   EXPECT_FALSE(m_member.Step());
   const Lines lines = m_member.TakeLines();
   ASSERT_GE(lines.size(), 5U);
-  EXPECT_EQ(Lines(lines.begin(), lines.begin() + 5),
-            (Lines{s_overItsLimit, s_asked, s_called, s_overItsLimit, s_notReclaimed}));
+  EXPECT_EQ(Lines(lines.begin(), lines.begin() + 5), (Lines{OverItsLimit, Asked, Called, OverItsLimit, NotReclaimed}));
 }
 
 /// The same without an interval to wait for.
@@ -218,10 +217,10 @@ class MemoryReclaimInOnePieceTest : public MemoryReclaimTest {
 TEST_F(MemoryReclaimInOnePieceTest, IsAskingAndJudging) {
   m_member.MemoryReclaim().Add(u"cache", [](double) {});
   EXPECT_FALSE(Reclaim());
-  EXPECT_EQ(m_member.TakeLines(), (Lines{s_asked, s_called, s_overItsLimit, s_notReclaimed}));
+  EXPECT_EQ(m_member.TakeLines(), (Lines{Asked, Called, OverItsLimit, NotReclaimed}));
   m_member.m_reading.m_memoryBytes = 250;
   EXPECT_TRUE(Reclaim());
-  EXPECT_EQ(m_member.TakeLines(), (Lines{s_asked, s_called, s_below, s_reclaimed}));
+  EXPECT_EQ(m_member.TakeLines(), (Lines{Asked, Called, Below, Reclaimed}));
   EXPECT_EQ(m_member.m_samples, 2);
 }
 
@@ -230,7 +229,7 @@ TEST(MemoryReclaimWaitTest, WithoutFunctionsThereIsNone) {
   EXPECT_FALSE(member.ReclaimMemory(member.m_self, member.m_ownValues));
   EXPECT_EQ(member.m_samples, 0);
   EXPECT_EQ(member.TakeLines(),
-            (Lines{"Resource Manager: Reclaiming memory. Number registered functions: 0", s_notReclaimed}));
+            (Lines{"Resource Manager: Reclaiming memory. Number registered functions: 0", NotReclaimed}));
 }
 
 TEST(MemoryReclaimWaitTest, AStopDuringItIsAFailure) {
@@ -239,7 +238,7 @@ TEST(MemoryReclaimWaitTest, AStopDuringItIsAFailure) {
   member.m_stopEvent.Signal();
   EXPECT_FALSE(member.ReclaimMemory(member.m_self, member.m_ownValues));
   EXPECT_EQ(member.m_samples, 0);
-  EXPECT_EQ(member.TakeLines(), (Lines{s_asked, s_called, s_notReclaimed}));
+  EXPECT_EQ(member.TakeLines(), (Lines{Asked, Called, NotReclaimed}));
 }
 
 // No pass comes here without a limit.

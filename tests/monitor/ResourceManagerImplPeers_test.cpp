@@ -12,13 +12,13 @@ TEST(PeersTest, ASilentMemberAgesOutByItsOwnInterval) {
   Member member(Settings().Cpu(50).Interval(60));
   member.OnValues(PeerValues(1, 0, 0, 0, 3));
   member.OnValues(PeerValues(2, 0, 0, 0, 5));
-  member.m_now += 3 * s_second - 1;
+  member.m_now += 3 * Second - 1;
   member.PurgePeers();
   EXPECT_EQ(member.m_peers.size(), 2U);
   member.m_now += 1;
   member.PurgePeers();
   EXPECT_EQ(member.m_peers.size(), 1U);
-  member.m_now += 2 * s_second;
+  member.m_now += 2 * Second;
   member.PurgePeers();
   EXPECT_TRUE(member.m_peers.empty());
 }
@@ -26,7 +26,7 @@ TEST(PeersTest, ASilentMemberAgesOutByItsOwnInterval) {
 TEST(PeersTest, TheOwnEntryNeverAges) {
   Member member(Settings().Cpu(50));
   member.HearSelf();
-  member.m_now += 1000 * s_second;
+  member.m_now += 1000 * Second;
   member.PurgePeers();
   EXPECT_EQ(member.m_peers.size(), 1U);
 }
@@ -34,7 +34,7 @@ TEST(PeersTest, TheOwnEntryNeverAges) {
 TEST(PeersTest, AMemberIsHeardAgainAfterItAgedOut) {
   Member member(Settings().Cpu(50));
   member.OnValues(PeerValues(1, 10));
-  member.m_now += s_second;
+  member.m_now += Second;
   member.PurgePeers();
   EXPECT_TRUE(member.m_peers.empty());
   member.OnValues(PeerValues(1, 20));
@@ -45,9 +45,9 @@ TEST(PeersTest, AMemberIsHeardAgainAfterItAgedOut) {
 TEST(PeersTest, ALaterDatagramReplacesTheFiguresAndTheTime) {
   Member member(Settings().Cpu(50));
   member.OnValues(PeerValues(1, 10, 0, 0, 2));
-  member.m_now += s_second;
+  member.m_now += Second;
   member.OnValues(PeerValues(1, 20, 0, 0, 2));
-  member.m_now += s_second;
+  member.m_now += Second;
   member.PurgePeers();
   ASSERT_EQ(member.m_peers.size(), 1U);
   EXPECT_EQ(member.m_peers.begin()->second.m_values.cpuPercent, 20);
@@ -59,7 +59,7 @@ TEST(PeersTest, AnIntervalThatIsNotStatedIsTheReceiversOwn) {
   ResourceValuesV1 older;
   older.pid = 4660;
   member.OnValues(Widen(older));
-  member.m_now += 4 * s_second - 1;
+  member.m_now += 4 * Second - 1;
   member.PurgePeers();
   EXPECT_EQ(member.m_peers.size(), 2U);
   member.m_now += 1;
@@ -130,9 +130,9 @@ TEST_F(FullTableTest, TakesTheMembersOwn) {
 }
 
 TEST_F(FullTableTest, IsPurgedOnReceiptByTheSameRule) {
-  m_member.m_now += 5 * s_second;
+  m_member.m_now += 5 * Second;
   m_member.OnValues(Stranger(0, 2));
-  m_member.m_now += 2 * s_second - 1;
+  m_member.m_now += 2 * Second - 1;
   m_member.OnValues(Stranger(5000));
   EXPECT_FALSE(Knows(Stranger(5000))) << "nobody has been silent for an interval yet";
   m_member.m_now += 1;
@@ -145,7 +145,7 @@ TEST_F(FullTableTest, IsPurgedOnReceiptByTheSameRule) {
 TEST_F(FullTableTest, EachFillingHasItsLine) {
   m_member.OnValues(Stranger(5000));
   EXPECT_EQ(m_member.TakeLines(), m_full);
-  m_member.m_now += 10 * s_second;
+  m_member.m_now += 10 * Second;
   for (std::uint32_t i = 0; i < 4096; ++i) m_member.OnValues(Stranger(i));
   EXPECT_EQ(m_member.m_peers.size(), 4096U);
   EXPECT_EQ(m_member.TakeLines(), Lines{});
@@ -157,13 +157,13 @@ TEST_F(FullTableTest, EachFillingHasItsLine) {
 TEST(PeersTest, WhenTheWorkerHasEndedTheTableIsPurgedOnReceipt) {
   Member member(Settings().Cpu(50));
   member.OnValues(PeerValues(1, 0));
-  member.m_now += s_second;
+  member.m_now += Second;
   member.OnValues(PeerValues(2, 0));
   EXPECT_EQ(member.m_peers.size(), 2U) << "the worker's pass is what purges";
   member.Step(true);
   member.OnValues(PeerValues(3, 0));
   EXPECT_EQ(member.m_peers.size(), 2U);
-  member.m_now += s_second;
+  member.m_now += Second;
   member.OnValues(PeerValues(4, 0));
   EXPECT_EQ(member.m_peers.size(), 1U);
 }

@@ -11,12 +11,11 @@ namespace {
 
 using Wait = ResourceManagerImpl::NextWait;
 
-constexpr Wait s_interval = std::chrono::milliseconds(5000);
+constexpr Wait CheckInterval = std::chrono::milliseconds(5000);
 
-const char* s_cpuUnsuccessful = "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.";
-const char* s_memoryUnsuccessful =
-    "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.";
-const char* s_allProcesses = "Resource Manager: Logging all CPU/memory info across processes.";
+const char* CpuUnsuccessful = "Resource Manager: CPU reclamation was unsucessful. Process has to be terminated.";
+const char* MemoryUnsuccessful = "Resource Manager: Memory reclamation was unsucessful. Process has to be terminated.";
+const char* AllProcesses = "Resource Manager: Logging all CPU/memory info across processes.";
 
 std::string ProcessLine(const ResourceValuesV2& values, const std::string& memory) {
   return "Resource Manager: pid: " + std::to_string(values.pid) + "; Memory info: " + memory +
@@ -66,7 +65,7 @@ TEST(WorkerTest, APassSamplesOnceAndWaitsForTheInterval) {
   Member member(Settings().Cpu(50).Memory(1000, 1000).Interval(5));
   member.m_total = [] { return 1ULL; };
   for (int pass = 1; pass <= 3; ++pass) {
-    EXPECT_EQ(member.Step(), s_interval);
+    EXPECT_EQ(member.Step(), CheckInterval);
     EXPECT_EQ(member.m_samples, pass);
   }
   EXPECT_EQ(member.Step(true), std::nullopt);
@@ -107,7 +106,7 @@ TEST(WorkerTest, CpuTerminationEndsTheWorkerBeforeTheMemoryCheck) {
       member.TakeLines(),
       (Lines{"Resource Manager: Exceeded sustained high CPU threshold above 50% for 10 seconds.  This process has "
              "the highest usage of 70%",
-             "Resource Manager: Reclaiming CPU. Number registered functions: 0", s_cpuUnsuccessful, s_allProcesses,
+             "Resource Manager: Reclaiming CPU. Number registered functions: 0", CpuUnsuccessful, AllProcesses,
              ProcessLine(member.m_ownValues, "3,000"),
              "TERMINATE 7 Resource Manager: Process is above CPU threshold. Requesting termination."}));
 }
@@ -118,8 +117,8 @@ TEST(WorkerTest, MemoryTerminationEndsTheWorker) {
   EXPECT_EQ(member.Step(), std::nullopt);
   EXPECT_EQ(member.TakeLines(),
             (Lines{"Resource Manager: Exceeded allowed memory usage per process. 1,500 bytes",
-                   "Resource Manager: Reclaiming memory. Number registered functions: 0", s_memoryUnsuccessful,
-                   s_allProcesses, ProcessLine(member.m_ownValues, "1,500"),
+                   "Resource Manager: Reclaiming memory. Number registered functions: 0", MemoryUnsuccessful,
+                   AllProcesses, ProcessLine(member.m_ownValues, "1,500"),
                    "TERMINATE 255 Resource Manager: Process is above memory threshold. Requesting termination."}));
 }
 
@@ -127,18 +126,18 @@ TEST(WorkerTest, WithoutTerminationEachPassRepeatsReclaimAndLines) {
   Member member(Settings().Cpu(50, 10).Memory(1000, 1000).Interval(5));
   PastTheSustainedTime(member, 70).m_reading.m_memoryBytes = 1500;
   for (int pass = 0; pass < 3; ++pass) {
-    EXPECT_EQ(member.Step(), s_interval);
+    EXPECT_EQ(member.Step(), CheckInterval);
     EXPECT_EQ(
         member.TakeLines(),
         (Lines{
             "Resource Manager: Exceeded sustained high CPU threshold above 50% for 10 seconds.  This process has the "
             "highest usage of 70%",
-            "Resource Manager: Reclaiming CPU. Number registered functions: 0", s_cpuUnsuccessful, s_allProcesses,
+            "Resource Manager: Reclaiming CPU. Number registered functions: 0", CpuUnsuccessful, AllProcesses,
             ProcessLine(member.m_ownValues, "1,500"),
             "Resource Manager: Process is above CPU threshold, but the process does not terminate on excessive Cpu "
             "usage. Not terminating.",
             "Resource Manager: Exceeded allowed memory usage per process. 1,500 bytes",
-            "Resource Manager: Reclaiming memory. Number registered functions: 0", s_memoryUnsuccessful, s_allProcesses,
+            "Resource Manager: Reclaiming memory. Number registered functions: 0", MemoryUnsuccessful, AllProcesses,
             ProcessLine(member.m_ownValues, "1,500"),
             "Resource Manager: Process is above memory threshold, but the process does not terminate on excessive "
             "memory useage. Not terminating."}));
@@ -150,17 +149,17 @@ TEST(WorkerTest, ReclaimingWaitsForTheIntervalAndSamplesAgain) {
   member.m_total = [] { return 1ULL; };
   member.m_reading.m_memoryBytes = 1500;
   member.MemoryReclaim().Add(u"cache", [&](double) { member.m_reading.m_memoryBytes = 400; });
-  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.Step(), CheckInterval);
   EXPECT_EQ(member.m_samples, 1);
   EXPECT_EQ(member.TakeLines(), (Lines{"Resource Manager: Exceeded allowed memory usage per process. 1,500 bytes",
                                        "Resource Manager: Reclaiming memory. Number registered functions: 1",
                                        "Resource Manager: Calling reclaim function named: cache"}));
-  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.Step(), CheckInterval);
   EXPECT_EQ(member.m_samples, 2);
   EXPECT_EQ(member.TakeLines(), (Lines{"Resource Manager: Memory info: 400 bytes (current process);400 bytes (Quillon "
                                        "total); 1 bytes (total of all processes); 0 (info count)",
                                        "Resource Manager: Memory reclaimed. Process termination has been averted!"}));
-  EXPECT_EQ(member.Step(), s_interval) << "the next pass";
+  EXPECT_EQ(member.Step(), CheckInterval) << "the next pass";
   EXPECT_EQ(member.m_samples, 3);
 }
 
@@ -168,7 +167,7 @@ TEST(WorkerTest, AfterAReclaimOfCpuTheMemoryIsChecked) {
   Member member(Settings().Cpu(50, 10).TerminateCpu(1).Memory(1000, 1000).TerminateMemory(2).Interval(5));
   PastTheSustainedTime(member, 70).m_reading.m_memoryBytes = 1500;
   member.CpuReclaim().Add(u"pool", [&](double) { member.m_reading.m_cpuPercent = 5; });
-  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.Step(), CheckInterval);
   EXPECT_EQ(member.Step(), std::nullopt);
   EXPECT_EQ(member.TakeLines().back(),
             "TERMINATE 2 Resource Manager: Process is above memory threshold. Requesting termination.");
@@ -177,7 +176,7 @@ TEST(WorkerTest, AfterAReclaimOfCpuTheMemoryIsChecked) {
 TEST(WorkerTest, AStopDuringAReclaimLeadsToATerminationRequest) {
   Member member(Settings().Cpu(50, 10).TerminateCpu(3).Interval(5));
   PastTheSustainedTime(member, 70).CpuReclaim().Add(u"pool", [](double) {});
-  EXPECT_EQ(member.Step(), s_interval);
+  EXPECT_EQ(member.Step(), CheckInterval);
   EXPECT_EQ(member.Step(true), std::nullopt);
   EXPECT_EQ(member.m_samples, 1);
   EXPECT_EQ(member.TakeLines().back(),
@@ -188,8 +187,8 @@ TEST(WorkerTest, AStopDuringAReclaimWithoutTerminationEndsAtTheNextWait) {
   Member member(Settings().Memory(1000, 1000).Interval(5));
   member.m_reading.m_memoryBytes = 1500;
   member.MemoryReclaim().Add(u"cache", [](double) {});
-  EXPECT_EQ(member.Step(), s_interval);
-  EXPECT_EQ(member.Step(true), s_interval);
+  EXPECT_EQ(member.Step(), CheckInterval);
+  EXPECT_EQ(member.Step(true), CheckInterval);
   EXPECT_EQ(member.Step(true), std::nullopt);
   EXPECT_EQ(member.m_samples, 1);
 }

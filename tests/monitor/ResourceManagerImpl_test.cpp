@@ -18,11 +18,11 @@
 namespace qilsys::test {
 namespace {
 
-const CaughtAssertion s_ipcSet{"main/monitor/ResourceManagerImpl", 94, "!m_ipc", 0x5D944982,
-                               "LogicException_LogicAssert_0x5D944982"};
-const CaughtAssertion s_workerSet{"main/monitor/ResourceManagerImpl", 101, "!m_worker", 0xCF38B12E,
-                                  "LogicException_LogicAssert_0xCF38B12E"};
-const CaughtAssertion s_unknownVersion{
+const CaughtAssertion IpcSet{"main/monitor/ResourceManagerImpl", 94, "!m_ipc", 0x5D944982,
+                             "LogicException_LogicAssert_0x5D944982"};
+const CaughtAssertion WorkerSet{"main/monitor/ResourceManagerImpl", 101, "!m_worker", 0xCF38B12E,
+                                "LogicException_LogicAssert_0xCF38B12E"};
+const CaughtAssertion UnknownVersion{
     "main/monitor/ResourceManagerImpl", 479,
     "ResourceValuesVersion::VER_1 <= m_rvVersion && m_rvVersion <= ResourceValuesVersion::VER_2", 0x044A63AC,
     "LogicException_LogicAssert_0x044A63AC"};
@@ -118,19 +118,18 @@ TEST_P(StartLinesTest, TellTheLimitsInForce) {
   EXPECT_EQ(settings.Copy(), wanted);
 }
 
-const char* s_perProcess = "Resource Manager: Per Process Memory Limit: 1,234,567 bytes";
-const char* s_allProcesses = "Resource Manager: All Processes Memory Limit: 7,654,321 bytes";
+const char* PerProcess = "Resource Manager: Per Process Memory Limit: 1,234,567 bytes";
+const char* AllProcesses = "Resource Manager: All Processes Memory Limit: 7,654,321 bytes";
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, StartLinesTest,
     testing::Values(StartRow{"LowestCpu", 1, 0, {"Resource Manager: Max CPU limited to 1% over 30 seconds"}},
                     StartRow{"HighestCpu", 99, 0, {"Resource Manager: Max CPU limited to 99% over 30 seconds"}},
-                    StartRow{"Memory", 100, 1'234'567, {s_perProcess, s_allProcesses}},
-                    StartRow{
-                        "Both",
-                        50,
-                        1'234'567,
-                        {"Resource Manager: Max CPU limited to 50% over 30 seconds", s_perProcess, s_allProcesses}}),
+                    StartRow{"Memory", 100, 1'234'567, {PerProcess, AllProcesses}},
+                    StartRow{"Both",
+                             50,
+                             1'234'567,
+                             {"Resource Manager: Max CPU limited to 50% over 30 seconds", PerProcess, AllProcesses}}),
     [](const auto& row) { return row.param.m_name; });
 
 TEST(StartMonitoringTest, ASecondStartIsAnAssertion) {
@@ -138,9 +137,9 @@ TEST(StartMonitoringTest, ASecondStartIsAnAssertion) {
   settings.Cpu(50);
   RealMember member(settings);
   member.StartMonitoring(FreePort());
-  EXPECT_EQ(CatchAssertion([&] { member.StartMonitoring(FreePort()); }), s_ipcSet);
+  EXPECT_EQ(CatchAssertion([&] { member.StartMonitoring(FreePort()); }), IpcSet);
   const std::unique_ptr<ResourceIpc> ipc = std::move(member.m_ipc);
-  EXPECT_EQ(CatchAssertion([&] { member.StartMonitoring(FreePort()); }), s_workerSet);
+  EXPECT_EQ(CatchAssertion([&] { member.StartMonitoring(FreePort()); }), WorkerSet);
 }
 
 TEST(StartMonitoringTest, AHookThatReturnsListensOnTheNewPortAndKeepsTheWorker) {
@@ -152,7 +151,7 @@ TEST(StartMonitoringTest, AHookThatReturnsListensOnTheNewPortAndKeepsTheWorker) 
   const unsigned short port = FreePort();
   const RecordedAssertions assertions;
   member.StartMonitoring(port);
-  EXPECT_EQ(assertions.All(), (std::vector{s_ipcSet, s_workerSet}));
+  EXPECT_EQ(assertions.All(), (std::vector{IpcSet, WorkerSet}));
   EXPECT_EQ(member.m_worker.get(), worker) << "a thread that runs can't be replaced";
   Sender(port).SendValues(PeerValues(1, 0));
   EXPECT_TRUE(member.HeardSomebody());
@@ -200,7 +199,7 @@ TEST_P(WindowTest, HasRoomForTheChecksOfTheSustainedTimeAndOneMore) {
   EXPECT_EQ(member.m_cpuWindow.capacity(), GetParam().m_capacity);
 }
 
-constexpr std::int64_t s_forEver = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t ForEver = std::numeric_limits<std::int64_t>::max();
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, WindowTest,
@@ -208,13 +207,13 @@ INSTANTIATE_TEST_SUITE_P(
                     WindowRow{"Truncated", 11, 4, false, 3}, WindowRow{"BelowTheInterval", 4, 5, false, 1},
                     WindowRow{"BothNegative", -10, -5, false, 3}, WindowRow{"NegativeSustained", -10, 5, false, 1},
                     WindowRow{"NegativeInterval", 10, -5, true, 1}, WindowRow{"NoInterval", 10, 0, true, 1},
-                    WindowRow{"LowestByMinusOne", -s_forEver - 1, -1, false, 1},
-                    WindowRow{"ForEverWithoutRollingMean", s_forEver, 1, false, 1}),
+                    WindowRow{"LowestByMinusOne", -ForEver - 1, -1, false, 1},
+                    WindowRow{"ForEverWithoutRollingMean", ForEver, 1, false, 1}),
     [](const auto& row) { return row.param.m_name; });
 
 // Nothing holds so many samples.
 TEST(WindowTest, ForEverIsNoTimeForARollingMean) {
-  EXPECT_THROW(RealMember(Settings().Cpu(50, s_forEver).RollingMean()), std::exception);
+  EXPECT_THROW(RealMember(Settings().Cpu(50, ForEver).RollingMean()), std::exception);
 }
 
 TEST(OwnValuesTest, AreMadeFromTheSettings) {
@@ -287,7 +286,7 @@ TEST_F(SamplingTest, AnUnknownVersionIsAnAssertion) {
   MonitoredProcess self;
   for (const int version : {0, 3, -1}) {
     member.m_rvVersion = static_cast<ResourceValuesVersion>(version);
-    EXPECT_EQ(CatchAssertion([&] { member.UpdateResourceValues(self, member.m_ownValues); }), s_unknownVersion);
+    EXPECT_EQ(CatchAssertion([&] { member.UpdateResourceValues(self, member.m_ownValues); }), UnknownVersion);
   }
   const ScopedAssertHook hook([](const char*, int, const char*, const QuillonError&) {});
   member.UpdateResourceValues(self, member.m_ownValues);
@@ -305,7 +304,7 @@ class HeldListenerTest : public testing::Test {
     /// As long as it takes, since a busy machine takes longer than a member waits.
     void TakeInWhatWaits() override {
       m_release.Signal();
-      m_ipc->TakeInWhatWaits(s_patience);
+      m_ipc->TakeInWhatWaits(Patience);
     }
 
     void TakeInAsAMemberDoes() { ResourceManagerImpl::TakeInWhatWaits(); }
@@ -329,7 +328,7 @@ class HeldListenerTest : public testing::Test {
 
   void Hold() {
     m_sender.Send(Bytes(3, 0x55));
-    EXPECT_TRUE(m_held.Wait(s_patience));
+    EXPECT_TRUE(m_held.Wait(Patience));
   }
 
   const unsigned short m_port = FreePort();
@@ -346,7 +345,7 @@ TEST_F(HeldListenerTest, AMemberThatWasHeldUpStillKnowsTheOthers) {
   Hold();
   m_sender.SendValues(PeerValues(1, 0));
   m_sender.SendValues(PeerValues(2, 0));
-  m_member->m_now += 10 * s_second;
+  m_member->m_now += 10 * Second;
   MonitoredProcess self;
   m_member->UpdateResourceValues(self, m_member->m_ownValues);
   EXPECT_EQ(m_member->CountPeers(), 3U) << "both others, and itself";
@@ -376,7 +375,7 @@ TEST(SteadyTimeTest, RunsForwardInNanoseconds) {
   RealMember member((Settings()));
   const std::int64_t first = member.GetSteadyTime();
   EXPECT_TRUE(Eventually([&] { return member.GetReportTime() >= first + 1'000'000; }));
-  EXPECT_LT(member.GetSteadyTime() - first, 120 * s_second);
+  EXPECT_LT(member.GetSteadyTime() - first, 120 * Second);
 }
 
 }  // namespace

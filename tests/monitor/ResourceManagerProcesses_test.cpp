@@ -14,10 +14,10 @@
 namespace qilsys::test {
 namespace {
 
-constexpr unsigned long long s_mebibyte = 1ULL << 20;
+constexpr unsigned long long Mebibyte = 1ULL << 20;
 
-const char* s_rejected = "Resource Manager: rejected invalid network packet from: 127.0.0.1";
-const char* s_deaf = "Resource Manager: listening thread has stopped";
+const char* Rejected = "Resource Manager: rejected invalid network packet from: 127.0.0.1";
+const char* Deaf = "Resource Manager: listening thread has stopped";
 
 class ProcessesTest : public testing::Test {
  protected:
@@ -64,7 +64,7 @@ class ProcessesTest : public testing::Test {
   static void ExpectQuiet(MemberProcess& member, std::vector<std::string> unusual = {}) {
     member.Command("quit");
     EXPECT_EQ(member.Exit(), 0);
-    if (std::find(unusual.begin(), unusual.end(), s_deaf) == unusual.end()) unusual.push_back(s_deaf);
+    if (std::find(unusual.begin(), unusual.end(), Deaf) == unusual.end()) unusual.push_back(Deaf);
     unusual.push_back("Resource Manager: stopped");
     EXPECT_EQ(Unusual(member), unusual);
   }
@@ -100,7 +100,7 @@ TEST_F(ProcessesTest, EightMembersHearEachOtherAndMissWhoFallsSilent) {
 
   MemberProcess& killed = m_members[2];
   killed.Kill();
-  EXPECT_EQ(killed.Exit(), s_killed);
+  EXPECT_EQ(killed.Exit(), KilledBySignal);
   ExpectInfoCount(7, {&killed});
 
   MemberProcess& stopped = m_members[5];
@@ -147,7 +147,7 @@ TEST_F(ProcessesTest, DatagramsAreJudgedByLength) {
   sender.Send(Bytes(36, 0x55));
   sender.Send(Bytes(2000, 0x55));
   for (MemberProcess& member : m_members) {
-    EXPECT_TRUE(member.Await([&](const std::string&) { return member.Count(s_rejected) == 2; }));
+    EXPECT_TRUE(member.Await([&](const std::string&) { return member.Count(Rejected) == 2; }));
   }
 
   // Figures of version 1 last for the receiver's own second, so they are sent until they have been counted.
@@ -171,7 +171,7 @@ TEST_F(ProcessesTest, DatagramsAreJudgedByLength) {
     EXPECT_TRUE(counted());
   }
   ExpectInfoCount(3);
-  for (MemberProcess& member : m_members) ExpectQuiet(member, {s_rejected, s_rejected});
+  for (MemberProcess& member : m_members) ExpectQuiet(member, {Rejected, Rejected});
 }
 
 TEST_F(ProcessesTest, AnEmptyDatagramEndsListeningAndNotSending) {
@@ -179,13 +179,13 @@ TEST_F(ProcessesTest, AnEmptyDatagramEndsListeningAndNotSending) {
   ExpectInfoCount(2);
   Sender(m_port, "127.0.0.2").Send({});
   const std::string error = "Resource Manager: socket error: " + boost::system::error_code().message();
-  for (MemberProcess& member : m_members) EXPECT_TRUE(member.AwaitLine(s_deaf));
+  for (MemberProcess& member : m_members) EXPECT_TRUE(member.AwaitLine(Deaf));
   // The deaf ones know only themselves after a while; one that comes later hears all three.
   ExpectInfoCount(1);
   MemberProcess& late = Start();
   EXPECT_TRUE(late.AwaitInfoCount(3));
-  ExpectQuiet(m_members[0], {error, s_deaf});
-  ExpectQuiet(m_members[1], {error, s_deaf});
+  ExpectQuiet(m_members[0], {error, Deaf});
+  ExpectQuiet(m_members[1], {error, Deaf});
   ExpectQuiet(late);
 }
 
@@ -202,13 +202,13 @@ TEST_F(ProcessesTest, AChildCountsWhileItIsRegisteredAndLives) {
   ASSERT_TRUE(child.AwaitLine("READY"));
   const std::string pid = std::to_string(child.Pid());
   parent.Command("child " + pid);
-  child.Command("grow " + std::to_string(256 * s_mebibyte));
+  child.Command("grow " + std::to_string(256 * Mebibyte));
   ASSERT_TRUE(child.AwaitLine("DONE grow"));
-  EXPECT_TRUE(AwaitUsage(parent, 256 * s_mebibyte, ~0ULL));
+  EXPECT_TRUE(AwaitUsage(parent, 256 * Mebibyte, ~0ULL));
 
   child.Kill();
-  EXPECT_EQ(child.Exit(), s_killed);
-  EXPECT_TRUE(AwaitUsage(parent, 1, 255 * s_mebibyte));
+  EXPECT_EQ(child.Exit(), KilledBySignal);
+  EXPECT_TRUE(AwaitUsage(parent, 1, 255 * Mebibyte));
   parent.Command("unchild " + pid);
   ASSERT_TRUE(parent.AwaitLine("DONE unchild"));
   ExpectQuiet(parent,
@@ -217,14 +217,14 @@ TEST_F(ProcessesTest, AChildCountsWhileItIsRegisteredAndLives) {
 
 TEST_F(ProcessesTest, AChildThatGrowsEndsItsParentAndNobodyElse) {
   MemberArguments tight;
-  tight.m_memoryLimit = 300 * s_mebibyte;
+  tight.m_memoryLimit = 300 * Mebibyte;
   MemberProcess& parent = Start(tight);
   MemberProcess& other = Start(tight);
   MemberProcess child{MemberArguments{}};
   ASSERT_TRUE(child.AwaitLine("READY"));
   parent.Command("child " + std::to_string(child.Pid()));
   ASSERT_TRUE(parent.AwaitLine("DONE child"));
-  child.Command("grow " + std::to_string(400 * s_mebibyte));
+  child.Command("grow " + std::to_string(400 * Mebibyte));
 
   EXPECT_EQ(parent.Exit(), 41);
   EXPECT_EQ(parent.Lines().back(),
@@ -237,11 +237,11 @@ TEST_F(ProcessesTest, AChildThatGrowsEndsItsParentAndNobodyElse) {
 
 TEST_F(ProcessesTest, AReclaimThatHelpsAvertsTheEnd) {
   MemberArguments tight;
-  tight.m_memoryLimit = 300 * s_mebibyte;
+  tight.m_memoryLimit = 300 * Mebibyte;
   MemberProcess& member = Start(tight);
-  member.Command("cache " + std::to_string(400 * s_mebibyte));
+  member.Command("cache " + std::to_string(400 * Mebibyte));
   EXPECT_TRUE(member.AwaitLine("Resource Manager: Memory reclaimed. Process termination has been averted!"));
-  EXPECT_TRUE(AwaitUsage(member, 1, 300 * s_mebibyte));
+  EXPECT_TRUE(AwaitUsage(member, 1, 300 * Mebibyte));
   member.Command("quit");
   EXPECT_EQ(member.Exit(), 0);
 }

@@ -13,7 +13,7 @@
 namespace qilsys::test {
 namespace {
 
-constexpr std::int64_t s_millisecond = s_second / 1000;
+constexpr std::int64_t Millisecond = Second / 1000;
 
 /// How the wire treats datagrams: once in so many, 0 for never.
 struct Wire {
@@ -154,9 +154,9 @@ class World {
   }
 
   void Travel(Process& to, const ResourceValuesV2& values) {
-    std::int64_t delay = s_millisecond;
-    if (m_wire.m_delaysOneIn > 0) delay = m_random.Between<std::int64_t>(1, 3 * s_millisecond);
-    if (Happens(m_wire.m_delaysOneIn)) delay = m_random.Between<std::int64_t>(1, 10 * s_second);
+    std::int64_t delay = Millisecond;
+    if (m_wire.m_delaysOneIn > 0) delay = m_random.Between<std::int64_t>(1, 3 * Millisecond);
+    if (Happens(m_wire.m_delaysOneIn)) delay = m_random.Between<std::int64_t>(1, 10 * Second);
     Push({m_now + delay, 0, &to, values});
   }
 
@@ -193,8 +193,8 @@ class World {
     Compare(p, stopped, lines, wait.has_value());
     CheckYielding(p, lines);
     if (wait) {
-      const std::int64_t jitter = m_wire.m_delaysOneIn > 0 ? m_random.Between<std::int64_t>(0, 2 * s_millisecond) : 0;
-      if (!stopped) Push({m_now + wait->count() * s_millisecond + jitter, 0, &p, std::nullopt});
+      const std::int64_t jitter = m_wire.m_delaysOneIn > 0 ? m_random.Between<std::int64_t>(0, 2 * Millisecond) : 0;
+      if (!stopped) Push({m_now + wait->count() * Millisecond + jitter, 0, &p, std::nullopt});
     } else {
       p.m_alive = false;
       p.m_endedAt = m_now;
@@ -269,11 +269,11 @@ int SimulateAtRandom(SeededRandom& random, const Wire& wire, int members, int se
   World world(random, wire);
   for (int i = 0; i < members; ++i) {
     World::Process& p = world.Add(RandomSettings(random), random.Between(0, 2), random.Between(0, 2),
-                                  random.Between<std::int64_t>(0, 5 * s_second));
+                                  random.Between<std::int64_t>(0, 5 * Second));
     p.m_reading = {30, 500'000};
     p.m_change = [&random](World::Process& process) { ChangeAtRandom(random, process); };
   }
-  world.RunUntil(seconds * s_second);
+  world.RunUntil(seconds * Second);
   world.StopAll();
   return world.m_yields;
 }
@@ -309,7 +309,7 @@ class OrderlyGroup {
       own.m_lines = lines.m_lines;
       own.m_general.m_logFunc = lines.m_general.m_logFunc;
       own.m_general.m_terminateFunc = lines.m_general.m_terminateFunc;
-      m_world.Add(own, 0, 0, static_cast<std::int64_t>(i) * 5 * s_millisecond).m_reading = readings[i];
+      m_world.Add(own, 0, 0, static_cast<std::int64_t>(i) * 5 * Millisecond).m_reading = readings[i];
     }
   }
 
@@ -323,10 +323,10 @@ class OrderlyGroup {
 TEST(ResourceManagerSimulationTest, TheHighestYieldOneAfterAnotherUntilTheGroupIsBelow) {
   OrderlyGroup group(Settings().Cpu(50, 3).TerminateCpu(1), {{10, 0}, {31, 0}, {20, 0}, {40, 0}, {5, 0}, {12, 0}});
   World& world = group.Get();
-  world.RunUntil(10 * s_second);
+  world.RunUntil(10 * Second);
   EXPECT_EQ(world.Ended(), (std::vector<std::size_t>{1, 3})) << "40 and 31 have gone, 47 are left";
   EXPECT_LT(world.At(3).m_endedAt, world.At(1).m_endedAt);
-  world.RunUntil(60 * s_second);
+  world.RunUntil(60 * Second);
   EXPECT_EQ(world.Ended(), (std::vector<std::size_t>{1, 3}));
 }
 
@@ -334,11 +334,11 @@ TEST(ResourceManagerSimulationTest, TiesAllYield) {
   OrderlyGroup group(Settings().Cpu(90, 3).TerminateCpu(1),
                      {{30, 0}, {10, 0}, {30, 0}, {30, 0}, {29, 0}, {30, 0}, {30, 0}});
   World& world = group.Get();
-  world.RunUntil(60 * s_second);
+  world.RunUntil(60 * Second);
   EXPECT_EQ(world.Ended(), (std::vector<std::size_t>{0, 2, 3, 5, 6}));
   const auto [first, last] = std::minmax({world.At(0).m_endedAt, world.At(2).m_endedAt, world.At(3).m_endedAt,
                                           world.At(5).m_endedAt, world.At(6).m_endedAt});
-  EXPECT_LT(last - first, s_second) << "in one and the same interval";
+  EXPECT_LT(last - first, Second) << "in one and the same interval";
 }
 
 TEST(ResourceManagerSimulationTest, TheHighestShareOfItsOwnLimitYieldsMemory) {
@@ -354,9 +354,9 @@ TEST(ResourceManagerSimulationTest, TheHighestShareOfItsOwnLimitYieldsMemory) {
     };
   }
   // In its first pass a member has heard of nobody and is the highest it knows; so all are to have met before.
-  world.RunUntil(3 * s_second - 1);
+  world.RunUntil(3 * Second - 1);
   metered = true;
-  world.RunUntil(60 * s_second);
+  world.RunUntil(60 * Second);
   EXPECT_EQ(world.Ended(), std::vector<std::size_t>{1});
 }
 
@@ -374,7 +374,7 @@ class FirstCheckTest : public testing::Test {
       p.m_change = [&world](World::Process& changed) { changed.m_total = TotalOf(world); };
       if (withReclaimFunction) GiveNothingBack(*p.m_member);
     }
-    world.RunUntil(20 * s_second);
+    world.RunUntil(20 * Second);
     return world.Ended();
   }
 
@@ -405,13 +405,13 @@ TEST_F(FirstCheckTest, MembersThatStartInOneInstantAllYield) {
 
 // Only the first has heard nobody.
 TEST_F(FirstCheckTest, OfMembersThatStartApartTheFirstAloneYieldsUnheard) {
-  EXPECT_EQ(Yielding(150 * s_millisecond, false), std::vector<std::size_t>{0});
+  EXPECT_EQ(Yielding(150 * Millisecond, false), std::vector<std::size_t>{0});
 }
 
 // It gives the group an interval in which all are heard, before anybody is judged.
 TEST_F(FirstCheckTest, WithAReclaimFunctionOnlyTheHighestYields) {
   EXPECT_EQ(Yielding(0, true), std::vector<std::size_t>{1});
-  EXPECT_EQ(Yielding(150 * s_millisecond, true), std::vector<std::size_t>{1});
+  EXPECT_EQ(Yielding(150 * Millisecond, true), std::vector<std::size_t>{1});
 }
 
 TEST(ResourceManagerSimulationTest, ASilentMemberAgesOutByItsOwnInterval) {
@@ -421,18 +421,18 @@ TEST(ResourceManagerSimulationTest, ASilentMemberAgesOutByItsOwnInterval) {
   World::Process& slow = world.Add(Settings().Cpu(99, 100).Interval(3), 0, 0, 0);
   World::Process& quick = world.Add(Settings().Cpu(99, 100).Interval(1), 0, 0, 0);
   slow.m_reading.m_cpuPercent = quick.m_reading.m_cpuPercent = 10;
-  world.RunUntil(10 * s_second - 1);
+  world.RunUntil(10 * Second - 1);
   EXPECT_EQ(world.At(0).m_member->m_peers.size(), 3U);
   slow.m_alive = quick.m_alive = false;
   // Both were last heard at 9.001 s; the first member looks at every full second.
   world.At(1).m_member->m_wire = world.At(2).m_member->m_wire = nullptr;
-  world.RunUntil(10 * s_second);
+  world.RunUntil(10 * Second);
   EXPECT_EQ(world.At(0).m_member->m_peers.size(), 3U);
-  world.RunUntil(11 * s_second);
+  world.RunUntil(11 * Second);
   EXPECT_EQ(world.At(0).m_member->m_peers.size(), 2U);
-  world.RunUntil(12 * s_second);
+  world.RunUntil(12 * Second);
   EXPECT_EQ(world.At(0).m_member->m_peers.size(), 2U);
-  world.RunUntil(13 * s_second);
+  world.RunUntil(13 * Second);
   EXPECT_EQ(world.At(0).m_member->m_peers.size(), 1U);
 }
 

@@ -32,10 +32,10 @@ CaughtAssertion NotStarted(int line, unsigned int code, const char* codeName) {
   return {"main/monitor/ResourceManager", line, "s_singleton", code, codeName};
 }
 
-const CaughtAssertion s_noLog{"main/monitor/ResourceManager", 32, "generalConfig.m_logFunc != nullptr", 0x726F85B0,
-                              "LogicException_LogicAssert_0x726F85B0"};
-const CaughtAssertion s_noTerminate{"main/monitor/ResourceManager", 34, "generalConfig.m_terminateFunc != nullptr",
-                                    0x7A7F6F49, "LogicException_LogicAssert_0x7A7F6F49"};
+const CaughtAssertion NoLog{"main/monitor/ResourceManager", 32, "generalConfig.m_logFunc != nullptr", 0x726F85B0,
+                            "LogicException_LogicAssert_0x726F85B0"};
+const CaughtAssertion NoTerminate{"main/monitor/ResourceManager", 34, "generalConfig.m_terminateFunc != nullptr",
+                                  0x7A7F6F49, "LogicException_LogicAssert_0x7A7F6F49"};
 
 /// A host with the facade's own settings; whatever a test has started is stopped at its end.
 class ResourceManagerTest : public testing::Test {
@@ -152,27 +152,27 @@ TEST_F(ResourceManagerTest, AnEmptyLogFunctionIsAnAssertionEvenWhenStarted) {
     general.m_logFunc = nullptr;
     ResourceManager::Start(1, m_cpu, m_memory, general);
   };
-  EXPECT_EQ(CatchAssertion(startWithoutLog), s_noLog);
+  EXPECT_EQ(CatchAssertion(startWithoutLog), NoLog);
   EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
   StartWithoutPolicy();
-  EXPECT_EQ(CatchAssertion(startWithoutLog), s_noLog);
+  EXPECT_EQ(CatchAssertion(startWithoutLog), NoLog);
 }
 
 TEST_F(ResourceManagerTest, AnEmptyTerminateFunctionIsAnAssertion) {
   m_general.m_terminateFunc = nullptr;
-  EXPECT_EQ(CatchAssertion([this] { Start(); }), s_noTerminate);
+  EXPECT_EQ(CatchAssertion([this] { Start(); }), NoTerminate);
 }
 
 TEST_F(ResourceManagerTest, TheLogFunctionIsLookedAtFirst) {
   m_general = {};
-  EXPECT_EQ(CatchAssertion([this] { Start(); }), s_noLog);
+  EXPECT_EQ(CatchAssertion([this] { Start(); }), NoLog);
 }
 
 TEST_F(ResourceManagerTest, AHookThatReturnsStartsWithoutATerminateFunction) {
   const RecordedAssertions assertions;
   m_general.m_terminateFunc = nullptr;
   Start();
-  EXPECT_EQ(assertions.All(), std::vector{s_noTerminate});
+  EXPECT_EQ(assertions.All(), std::vector{NoTerminate});
   EXPECT_TRUE(Eventually([] { return ResourceManager::GetCpuAndMemoryUsage().second > 0; }));
 }
 
@@ -181,7 +181,7 @@ TEST_F(ResourceManagerTest, AHookThatReturnsDoesNotStartWithoutALogFunction) {
   const RecordedAssertions assertions;
   m_general = {};
   Start();
-  EXPECT_EQ(assertions.All(), (std::vector{s_noLog, s_noTerminate}));
+  EXPECT_EQ(assertions.All(), (std::vector{NoLog, NoTerminate}));
   EXPECT_EQ(ResourceManager::GetMemoryPressure(), -1.0);
 }
 

@@ -13,8 +13,8 @@
 namespace qilsys::test {
 namespace {
 
-const CaughtAssertion s_notRegistered{"main/monitor/ResourceReporterManager", 39, "el != mng.m_reporters.end()",
-                                      0xD0963F53, "LogicException_LogicAssert_0xD0963F53"};
+const CaughtAssertion NotRegistered{"main/monitor/ResourceReporterManager", 39, "el != mng.m_reporters.end()",
+                                    0xD0963F53, "LogicException_LogicAssert_0xD0963F53"};
 
 class Reporter : public ResourceReporter {
  public:
@@ -58,7 +58,7 @@ TEST(ResourceReporterTest, ACopyIsNotRegisteredAndItsEndIsAnAssertion) {
   auto* copy = new Reporter(original);  // a smart pointer would not let the assertion through
   ReportAll(1);
   EXPECT_EQ(calls, 1);
-  EXPECT_EQ(CatchAssertion([&] { delete copy; }), s_notRegistered);
+  EXPECT_EQ(CatchAssertion([&] { delete copy; }), NotRegistered);
   ReportAll(1);
   EXPECT_EQ(calls, 2);
 }

@@ -56,16 +56,16 @@ NTSTATUS WINAPI GiveNothing(BCRYPT_ALG_HANDLE, PUCHAR, ULONG, ULONG) {
 
 constexpr std::string_view RandomFunction = "BCryptGenRandom";
 
-ULONG_PTR s_random = 0;
+ULONG_PTR g_random = 0;
 
 }  // namespace
 
 NoRandomNumbers::NoRandomNumbers() {
   ULONG_PTR* const address = ImportedAddress(RandomFunction);
-  s_random = *address;
+  g_random = *address;
   Write(address, reinterpret_cast<ULONG_PTR>(&GiveNothing));
 }
-NoRandomNumbers::~NoRandomNumbers() { Write(ImportedAddress(RandomFunction), s_random); }
+NoRandomNumbers::~NoRandomNumbers() { Write(ImportedAddress(RandomFunction), g_random); }
 
 bool NoThreads::CanBeHad() { return false; }
 NoThreads::NoThreads() = default;

@@ -48,8 +48,8 @@ struct Literals<wchar_t> {
 using Results = std::vector<std::pair<std::string, std::u16string>>;
 
 const TStringCore& Sample() {
-  static const TStringCore s_text(u"ab\U0001F600\u00C9abXab");
-  return s_text;
+  static const TStringCore Text(u"ab\U0001F600\u00C9abXab");
+  return Text;
 }
 
 template <class Edit>

@@ -37,7 +37,7 @@ TEST_P(TStringCoreDouble, GivesTheText) {
   EXPECT_EQ(Narrow(text.setNum(row.value, row.format, row.precision, row.decimalForm)), row.wanted);
 }
 
-constexpr DoubleRow s_rows[] = {
+constexpr DoubleRow DoubleRows[] = {
     {"Infinity", Infinity, 'f', 3, true, "inf"},
     {"NegativeInfinity", -Infinity, 'g', 3, true, "-inf"},
     {"InfinityUpper", Infinity, 'E', 3, false, "inf"},
@@ -81,7 +81,7 @@ constexpr DoubleRow s_rows[] = {
     {"HugePrecisionGeneral", 1.5, 'g', std::numeric_limits<int>::max(), false, "1.5"},
     {"Subnormal", 4.9406564584124654e-324, 'g', 6, false, "4.94066e-324"},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, TStringCoreDouble, testing::ValuesIn(s_rows),
+INSTANTIATE_TEST_SUITE_P(Rows, TStringCoreDouble, testing::ValuesIn(DoubleRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(TStringCoreDoubleDefaults, AreGeneralWithSixDigits) {

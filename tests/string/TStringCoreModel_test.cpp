@@ -166,12 +166,12 @@ class Walk {
   }
 
   static const std::vector<Edit>& Edits() {
-    static const std::vector<Edit> s_edits = [] {
+    static const std::vector<Edit> EditRows = [] {
       std::vector<Edit> all = EditsThatPutIn();
       for (const auto& more : {EditsThatTakeOut(), EditsOfStorage()}) all.insert(all.end(), more.begin(), more.end());
       return all;
     }();
-    return s_edits;
+    return EditRows;
   }
 
   void AssignArgument() { m_text.assign(m_argument.data, m_argument.length()); }

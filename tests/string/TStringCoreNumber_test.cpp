@@ -30,7 +30,7 @@ TEST_P(TStringCoreNumber, GivesTheText) {
   EXPECT_EQ(Narrow(TStringCore::number(row.value, row.base, row.width, row.fill)), row.wanted);
 }
 
-constexpr IntegerRow s_rows[] = {
+constexpr IntegerRow IntegerRows[] = {
     {"Zero", 0, 10, 0, u' ', "0"},
     {"ZeroBase2", 0, 2, 0, u' ', "0"},
     {"ZeroBase64", 0, 64, 0, u' ', "A"},
@@ -62,7 +62,7 @@ constexpr IntegerRow s_rows[] = {
     {"FourteenUnits", -1234567890123, 10, 0, u' ', "-1234567890123"},
     {"FifteenUnits", -12345678901234, 10, 0, u' ', "-12345678901234"},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, TStringCoreNumber, testing::ValuesIn(s_rows),
+INSTANTIATE_TEST_SUITE_P(Rows, TStringCoreNumber, testing::ValuesIn(IntegerRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 template <class T>

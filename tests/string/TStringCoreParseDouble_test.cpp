@@ -55,7 +55,7 @@ TEST_P(TStringCoreToDouble, GivesValueOkAndErrno) {
   ExpectSame(text.toDouble(), row.wanted);
 }
 
-const ParseRow s_rows[] = {
+const ParseRow ParseRows[] = {
     {"Plain", u"1.5", 1.5, true, 0},
     {"SpaceAround", u" \t\u2003-2.25e3\u00A0\n", -2250, true, 0},
     {"UpperExponent", u"1E3", 1000, true, 0},
@@ -96,7 +96,7 @@ const ParseRow s_rows[] = {
     {"NanMinus", u"nan-", 0, false, Overflow},
     {"TwoSignsInf", u"+-inf", 0, false, 0},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, TStringCoreToDouble, testing::ValuesIn(s_rows),
+INSTANTIATE_TEST_SUITE_P(Rows, TStringCoreToDouble, testing::ValuesIn(ParseRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(TStringCoreToDoubleSubnormal, IsZero) {

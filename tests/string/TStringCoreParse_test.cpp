@@ -78,7 +78,7 @@ TEST_P(TStringCoreToInt, GivesValueOkAndErrno) {
   EXPECT_EQ(text.toInt(nullptr, row.base), row.wanted.value);
 }
 
-const IntRow s_intRows[] = {
+const IntRow IntRows[] = {
     {"SpaceAround", u"  12  ", 10, {12, true, 0}},
     {"TabAndNoBreakSpaceAround", u"\t\u00A0\u200312\u2003\n", 10, {12, true, 0}},
     {"LetterBehind", u"12x", 10, {12, false, 0}},
@@ -124,7 +124,7 @@ const IntRow s_intRows[] = {
     {"BelowSignedPattern", u"-9223372036854775809", 10, {INT_MIN, false, Overflow}},
     {"HexPatternOfMinusOne", u"ffffffffffffffff", 16, {INT_MAX, false, Overflow}},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, TStringCoreToInt, testing::ValuesIn(s_intRows),
+INSTANTIATE_TEST_SUITE_P(Rows, TStringCoreToInt, testing::ValuesIn(IntRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(TStringCoreToShort, KeepsItsLimits) {

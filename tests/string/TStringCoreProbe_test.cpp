@@ -28,7 +28,7 @@ TEST_P(LeftIntegerLength, CountsTheUnitsOfTheNumber) {
   EXPECT_EQ(TStringCore::leftIntegerLength(text, TStringCore::length(text), base), wanted);
 }
 
-constexpr IntegerRow s_integerRows[] = {
+constexpr IntegerRow IntegerRows[] = {
     {"Empty", u"", 10, 0},
     {"EmptyWithBadBase", u"", 99, 0},
     {"Decimal", u"123x", 10, 3},
@@ -57,7 +57,7 @@ constexpr IntegerRow s_integerRows[] = {
     {"LetterOfBase36", u"Z", 36, 1},
     {"BraceAboveBase36", u"{", 36, 0},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, LeftIntegerLength, testing::ValuesIn(s_integerRows),
+INSTANTIATE_TEST_SUITE_P(Rows, LeftIntegerLength, testing::ValuesIn(IntegerRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(LeftIntegerLengthLimits, StopAtTheGivenLength) {
@@ -109,7 +109,7 @@ TEST_P(LeftDoubleLength, CountsTheUnitsOfTheNumber) {
   EXPECT_EQ(TStringCore::leftDoubleLength(text, -1), wanted);
 }
 
-constexpr DoubleRow s_doubleRows[] = {
+constexpr DoubleRow DoubleRows[] = {
     {"Empty", u"", 0},
     {"Whole", u"12", 2},
     {"WholeAndText", u"12 ", 2},
@@ -136,7 +136,7 @@ constexpr DoubleRow s_doubleRows[] = {
     {"Text", u"inf", 0},
     {"DigitsBeyondAscii", u"\u0663.\u0664e\u0665x", 5},
 };
-INSTANTIATE_TEST_SUITE_P(Rows, LeftDoubleLength, testing::ValuesIn(s_doubleRows),
+INSTANTIATE_TEST_SUITE_P(Rows, LeftDoubleLength, testing::ValuesIn(DoubleRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(LeftDoubleLengthLimits, StopAtTheGivenLengthOrNul) {

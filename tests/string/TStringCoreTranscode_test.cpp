@@ -93,7 +93,7 @@ struct LocalText {
   std::string bytes;
 };
 
-const LocalText s_local[] = {
+const LocalText Local[] = {
     {"UTF-8", u"a\u00E9\U0001F600z", "a\xC3\xA9\xF0\x9F\x98\x80z"},
     {"ibm-5348_P100-1997", u"a\u00E9\u20ACz", "a\xE9\x80z"},  // What Windows calls code page 1252.
     {"windows-932", u"a\u3042\uFF71z", "a\x82\xA0\xB1z"},
@@ -101,8 +101,8 @@ const LocalText s_local[] = {
 
 const LocalText* FindLocalText() {
   const std::string converter = ucnv_getDefaultName();
-  const auto* row = std::ranges::find_if(s_local, [&](const LocalText& text) { return text.converter == converter; });
-  return row == std::end(s_local) ? nullptr : row;
+  const auto* row = std::ranges::find_if(Local, [&](const LocalText& text) { return text.converter == converter; });
+  return row == std::end(Local) ? nullptr : row;
 }
 
 TEST(FromLocal8Bit, DecodesByTheDefaultConverter) {

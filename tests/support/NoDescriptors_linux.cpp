@@ -19,12 +19,12 @@ rlimit SetLimit(rlim_t soft) {
   return before;
 }
 
-rlim_t s_before = 0;
+rlim_t g_before = 0;
 
 }  // namespace
 
 bool NoDescriptors::CanBeHad() { return true; }
-NoDescriptors::NoDescriptors() { s_before = SetLimit(0).rlim_cur; }
-NoDescriptors::~NoDescriptors() { SetLimit(s_before); }
+NoDescriptors::NoDescriptors() { g_before = SetLimit(0).rlim_cur; }
+NoDescriptors::~NoDescriptors() { SetLimit(g_before); }
 
 }  // namespace qilsys::test

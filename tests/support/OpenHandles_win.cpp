@@ -15,8 +15,8 @@ namespace qilsys::test {
 namespace {
 
 // Class 64 of NtQuerySystemInformation, as ntdll lays it out: the handles of all processes.
-constexpr int s_handleInformation = 64;
-constexpr LONG s_lengthMismatch = static_cast<LONG>(0xC0000004);
+constexpr int HandleInformation = 64;
+constexpr LONG LengthMismatch = static_cast<LONG>(0xC0000004);
 
 struct Handle {
   void* m_object;
@@ -41,9 +41,9 @@ std::vector<std::byte> ReadAllHandles() {
   const auto query = reinterpret_cast<QueryFunction>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
   std::vector<std::byte> bytes(1 << 16);
-  LONG status = s_lengthMismatch;
-  while ((status = query(s_handleInformation, bytes.data(), static_cast<ULONG>(bytes.size()), nullptr)) ==
-         s_lengthMismatch) {
+  LONG status = LengthMismatch;
+  while ((status = query(HandleInformation, bytes.data(), static_cast<ULONG>(bytes.size()), nullptr)) ==
+         LengthMismatch) {
     bytes.resize(bytes.size() * 2);
   }
   if (status < 0) {

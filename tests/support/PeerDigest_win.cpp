@@ -78,22 +78,22 @@ std::size_t DigestBy(const Algorithm& algorithm, std::size_t digestBytes, const 
 const char* PeerName(sha2::SHA_TYPE type) { return type == sha2::SHA224 ? "plain reference" : "CNG"; }
 
 std::size_t PeerDigest(sha2::SHA_TYPE type, const void* data, std::size_t length, unsigned char* digest) {
-  static const Algorithm s_sha1(BCRYPT_SHA1_ALGORITHM);
-  static const Algorithm s_sha256(BCRYPT_SHA256_ALGORITHM);
-  static const Algorithm s_sha384(BCRYPT_SHA384_ALGORITHM);
-  static const Algorithm s_sha512(BCRYPT_SHA512_ALGORITHM);
+  static const Algorithm Sha1(BCRYPT_SHA1_ALGORITHM);
+  static const Algorithm Sha256(BCRYPT_SHA256_ALGORITHM);
+  static const Algorithm Sha384(BCRYPT_SHA384_ALGORITHM);
+  static const Algorithm Sha512(BCRYPT_SHA512_ALGORITHM);
   switch (type) {
     case sha2::SHA160:
-      return DigestBy(s_sha1, 20, data, length, digest);
+      return DigestBy(Sha1, 20, data, length, digest);
     case sha2::SHA224:
       return ReferenceSha224::Digest(static_cast<const unsigned char*>(data), length)
           .copy(reinterpret_cast<char*>(digest), MostDigestBytes);
     case sha2::SHA256:
-      return DigestBy(s_sha256, 32, data, length, digest);
+      return DigestBy(Sha256, 32, data, length, digest);
     case sha2::SHA384:
-      return DigestBy(s_sha384, 48, data, length, digest);
+      return DigestBy(Sha384, 48, data, length, digest);
     case sha2::SHA512:
-      return DigestBy(s_sha512, 64, data, length, digest);
+      return DigestBy(Sha512, 64, data, length, digest);
   }
   throw std::invalid_argument("no such digest");
 }

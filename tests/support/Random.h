@@ -19,13 +19,13 @@ namespace qilsys::test {
 
 /// The seed of this process, the same at each call. It is recorded as a property of the running test.
 inline std::uint64_t Seed() {
-  static const std::uint64_t s_seed = [] {
+  static const std::uint64_t ChosenSeed = [] {
     const char* given = std::getenv("QILSYS_TEST_SEED");
     if (given != nullptr) return static_cast<std::uint64_t>(std::strtoull(given, nullptr, 0));
     return static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
   }();
-  testing::Test::RecordProperty("seed", std::to_string(s_seed));
-  return s_seed;
+  testing::Test::RecordProperty("seed", std::to_string(ChosenSeed));
+  return ChosenSeed;
 }
 
 /// `base` rounds times the scale, at least 1. A scale that is no positive number counts as 1.

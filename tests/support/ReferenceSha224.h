@@ -31,7 +31,7 @@ class ReferenceSha224 {
 
   /// The first 32 bits of the fractional parts of the cube roots of the first 64 primes.
   static const Words& Constants() {
-    static const Words s_constants = [] {
+    static const Words RoundConstants = [] {
       Words constants{};
       std::size_t count = 0;
       for (std::uint32_t n = 2; count < constants.size(); ++n) {
@@ -39,7 +39,7 @@ class ReferenceSha224 {
       }
       return constants;
     }();
-    return s_constants;
+    return RoundConstants;
   }
 
   static bool IsPrime(std::uint32_t n) {

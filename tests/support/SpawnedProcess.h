@@ -10,7 +10,7 @@
 namespace qilsys::test {
 
 /// The exit code of a program that was killed.
-constexpr int s_killed = -9;
+constexpr int KilledBySignal = -9;
 
 /// Killed and waited for by the destructor; where the test itself is killed, the system kills the program too.
 class SpawnedProcess {

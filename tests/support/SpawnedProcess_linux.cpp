@@ -122,7 +122,7 @@ int SpawnedProcess::Wait() {
   int status = 0;
   while (waitpid(m_system->m_pid, &status, 0) == -1 && errno == EINTR) continue;
   m_system->m_exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-  static_assert(s_killed == -SIGKILL);
+  static_assert(KilledBySignal == -SIGKILL);
   return *m_system->m_exitCode;
 }
 

@@ -192,7 +192,7 @@ int SpawnedProcess::Wait() {
   DWORD code = 0;
   GetExitCodeProcess(m_system->m_process.Get(), &code);
   m_system->m_process = Win32Handle();
-  m_system->m_exitCode = code == g_killedCode ? s_killed : static_cast<int>(code);
+  m_system->m_exitCode = code == g_killedCode ? KilledBySignal : static_cast<int>(code);
   return *m_system->m_exitCode;
 }
 

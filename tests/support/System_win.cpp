@@ -12,8 +12,8 @@ namespace qilsys::test {
 
 // The function that Wine's own programs know it by.
 bool HasGapsOfWine() {
-  static const bool s_isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-  return s_isWine && std::getenv("QILSYS_REAL_WINDOWS") == nullptr;
+  static const bool IsWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+  return IsWine && std::getenv("QILSYS_REAL_WINDOWS") == nullptr;
 }
 
 // 64 ticks a second, unless a program has asked for more.

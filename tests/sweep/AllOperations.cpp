@@ -3,7 +3,7 @@
 namespace qilsys::test::sweep {
 
 const std::vector<Operation>& AllOperations() {
-  static const std::vector<Operation> s_operations = [] {
+  static const std::vector<Operation> Operations = [] {
     std::vector<Operation> all;
     for (const auto add : {&AddTextMaking, &AddTextReading, &AddTextSearching, &AddTextEditing, &AddTextCutting,
                            &AddUnicode, &AddFormats, &AddErrors, &AddExceptions, &AddHashing, &AddSynchronizing,
@@ -12,7 +12,7 @@ const std::vector<Operation>& AllOperations() {
     }
     return all;
   }();
-  return s_operations;
+  return Operations;
 }
 
 }  // namespace qilsys::test::sweep

@@ -40,11 +40,11 @@ class Sweep : public testing::TestWithParam<Operation> {
 
 // What does not hold its promises yet, to be taken out of this list by the repair.
 bool AwaitsRepair(const Operation& operation) {
-  static const std::set<std::string> s_names = {"toDouble_LongText",   "toDouble_NoNumber",   "section_Units",
-                                                "section_UnitsFolded", "section_Foreign",     "section_OneUnit",
-                                                "section_OneWide",     "section_OfUnits",     "section_OfWide",
-                                                "IsRunning_Pid",       "IsCpuAtMaxFrequency", "GetLastErrorString"};
-  return s_names.contains(operation.name);
+  static const std::set<std::string> Names = {"toDouble_LongText",   "toDouble_NoNumber",   "section_Units",
+                                              "section_UnitsFolded", "section_Foreign",     "section_OneUnit",
+                                              "section_OneWide",     "section_OfUnits",     "section_OfWide",
+                                              "IsRunning_Pid",       "IsCpuAtMaxFrequency", "GetLastErrorString"};
+  return Names.contains(operation.name);
 }
 
 TEST_P(Sweep, Warm) {

@@ -14,7 +14,7 @@ namespace qilsys::test {
 template <class Attempt>
 bool OnceAllHaveArrived(Attempt attempt) {
   if (SynchronizeForTest::OwnsQueues) {
-    return attempt(std::chrono::milliseconds(s_patience));
+    return attempt(std::chrono::milliseconds(Patience));
   }
   for (int i = 0; i < 20; ++i) {
     if (attempt(std::chrono::milliseconds(1000))) {

@@ -14,7 +14,7 @@ using qilsys::system::MachineMemory;
 
 namespace {
 
-constexpr std::uint64_t s_gibibyte = 1024 * 1024 * 1024;
+constexpr std::uint64_t Gibibyte = 1024 * 1024 * 1024;
 
 // ---- The machine
 
@@ -65,20 +65,20 @@ INSTANTIATE_TEST_SUITE_P(
 
 // ---- Which group
 
-constexpr std::string_view s_hybrid =
+constexpr std::string_view Hybrid =
     "9:name=systemd:/\n"
     "4:memory:/jobs/a:b\n"
     "2:cpu,cpuacct:/cpu\n"
     "0::/unified\n";
 
 TEST(ParseCgroupPath, FindsTheMemoryControllerOfVersion1) {
-  EXPECT_EQ(qilsys::system::ParseCgroupPath(s_hybrid, CgroupVersion::V1), "/jobs/a:b");
+  EXPECT_EQ(qilsys::system::ParseCgroupPath(Hybrid, CgroupVersion::V1), "/jobs/a:b");
   EXPECT_EQ(qilsys::system::ParseCgroupPath("4:cpu,memory:/x\n", CgroupVersion::V1), "/x");
   EXPECT_EQ(qilsys::system::ParseCgroupPath("4:memory2,hugememory:/x\n", CgroupVersion::V1), std::nullopt);
 }
 
 TEST(ParseCgroupPath, FindsTheOneHierarchyOfVersion2) {
-  EXPECT_EQ(qilsys::system::ParseCgroupPath(s_hybrid, CgroupVersion::V2), "/unified");
+  EXPECT_EQ(qilsys::system::ParseCgroupPath(Hybrid, CgroupVersion::V2), "/unified");
   EXPECT_EQ(qilsys::system::ParseCgroupPath("4:memory:/x\n", CgroupVersion::V2), std::nullopt);
 }
 
@@ -89,18 +89,18 @@ TEST(ParseCgroupPath, RefusesTextOfAnotherForm) {
   EXPECT_EQ(qilsys::system::ParseCgroupPath("memory", CgroupVersion::V1), std::nullopt);
 }
 
-constexpr std::string_view s_mounts =
+constexpr std::string_view Mounts =
     "22 27 0:21 / /proc rw,relatime - proc proc rw\n"
     "33 31 0:30 / /sys/fs/cgroup/cpuacct rw,relatime - cgroup cgroup rw,cpuacct\n"
     "35 31 0:32 / /sys/fs/cgroup/memory rw,relatime shared:12 - cgroup cgroup rw,memory\n"
     "41 31 0:38 /a\\040b /sys/fs/unified\\134x rw,relatime - cgroup2 cgroup2 rw\n";
 
 TEST(ParseCgroupMount, FindsVersion1ByItsController) {
-  EXPECT_EQ(qilsys::system::ParseCgroupMount(s_mounts, CgroupVersion::V1), (CgroupMount{"/sys/fs/cgroup/memory", "/"}));
+  EXPECT_EQ(qilsys::system::ParseCgroupMount(Mounts, CgroupVersion::V1), (CgroupMount{"/sys/fs/cgroup/memory", "/"}));
 }
 
 TEST(ParseCgroupMount, FindsVersion2ByItsTypeAndUndoesEscapes) {
-  EXPECT_EQ(qilsys::system::ParseCgroupMount(s_mounts, CgroupVersion::V2), (CgroupMount{"/sys/fs/unified\\x", "/a b"}));
+  EXPECT_EQ(qilsys::system::ParseCgroupMount(Mounts, CgroupVersion::V2), (CgroupMount{"/sys/fs/unified\\x", "/a b"}));
 }
 
 TEST(ParseCgroupMount, FindsNothingElsewhere) {
@@ -151,28 +151,27 @@ void PrintTo(const BoundRow& row, std::ostream* out) { *out << row.name; }
 class BoundByGroup : public testing::TestWithParam<BoundRow> {};
 
 TEST_P(BoundByGroup, Gives) {
-  EXPECT_EQ(Bound(MachineMemory{16 * s_gibibyte, 10 * s_gibibyte}, GetParam().group), GetParam().result);
+  EXPECT_EQ(Bound(MachineMemory{16 * Gibibyte, 10 * Gibibyte}, GetParam().group), GetParam().result);
 }
 
-constexpr MachineMemory s_machine{16 * s_gibibyte, 10 * s_gibibyte};
+constexpr MachineMemory Machine{16 * Gibibyte, 10 * Gibibyte};
 
 INSTANTIATE_TEST_SUITE_P(
     Table, BoundByGroup,
-    testing::Values(
-        BoundRow{"NoLimit", {std::nullopt, 9 * s_gibibyte, 0}, s_machine},
-        BoundRow{"LimitThatVersion1CallsNone", {9223372036854771712ULL, s_gibibyte, 0}, s_machine},
-        BoundRow{"Limit", {4 * s_gibibyte, s_gibibyte, 0}, {4 * s_gibibyte, 3 * s_gibibyte}},
-        BoundRow{"ReclaimableIsRoom", {4 * s_gibibyte, 3 * s_gibibyte, s_gibibyte}, {4 * s_gibibyte, 2 * s_gibibyte}},
-        BoundRow{"MoreReclaimableThanUsed", {4 * s_gibibyte, 1, 2}, {4 * s_gibibyte, 4 * s_gibibyte}},
-        BoundRow{"UsedUp", {4 * s_gibibyte, 5 * s_gibibyte, 0}, {4 * s_gibibyte, 0}},
-        BoundRow{"MachineHasLessRoom", {12 * s_gibibyte, 0, 0}, {12 * s_gibibyte, 10 * s_gibibyte}},
-        BoundRow{
-            "RoomIsBoundWhereTheLimitIsNot", {16 * s_gibibyte, 15 * s_gibibyte, 0}, {16 * s_gibibyte, s_gibibyte}}),
+    testing::Values(BoundRow{"NoLimit", {std::nullopt, 9 * Gibibyte, 0}, Machine},
+                    BoundRow{"LimitThatVersion1CallsNone", {9223372036854771712ULL, Gibibyte, 0}, Machine},
+                    BoundRow{"Limit", {4 * Gibibyte, Gibibyte, 0}, {4 * Gibibyte, 3 * Gibibyte}},
+                    BoundRow{"ReclaimableIsRoom", {4 * Gibibyte, 3 * Gibibyte, Gibibyte}, {4 * Gibibyte, 2 * Gibibyte}},
+                    BoundRow{"MoreReclaimableThanUsed", {4 * Gibibyte, 1, 2}, {4 * Gibibyte, 4 * Gibibyte}},
+                    BoundRow{"UsedUp", {4 * Gibibyte, 5 * Gibibyte, 0}, {4 * Gibibyte, 0}},
+                    BoundRow{"MachineHasLessRoom", {12 * Gibibyte, 0, 0}, {12 * Gibibyte, 10 * Gibibyte}},
+                    BoundRow{
+                        "RoomIsBoundWhereTheLimitIsNot", {16 * Gibibyte, 15 * Gibibyte, 0}, {16 * Gibibyte, Gibibyte}}),
     qilsys::test::RowName<BoundRow>);
 
 TEST(BoundByGroups, AParentsUsageCountsBesideTheSmallestLimit) {
-  const MachineMemory child = Bound(s_machine, {4 * s_gibibyte, s_gibibyte, 0});
-  EXPECT_EQ(Bound(child, {8 * s_gibibyte, 7 * s_gibibyte, 0}), (MachineMemory{4 * s_gibibyte, s_gibibyte}));
+  const MachineMemory child = Bound(Machine, {4 * Gibibyte, Gibibyte, 0});
+  EXPECT_EQ(Bound(child, {8 * Gibibyte, 7 * Gibibyte, 0}), (MachineMemory{4 * Gibibyte, Gibibyte}));
 }
 
 }  // namespace

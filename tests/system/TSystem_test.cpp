@@ -39,12 +39,12 @@ TEST(TSystemIdentity, ThreadsDiffer) {
 }
 
 // Windows counts ticks, so the first of them may be nearly over.
-constexpr std::chrono::milliseconds s_tick(16);
+constexpr std::chrono::milliseconds Tick(16);
 
 TEST(TSystemSleep, TakesThatLong) {
   const auto start = std::chrono::steady_clock::now();
   TSystem::Sleep(40);
-  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(40) - s_tick);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(40) - Tick);
   TSystem::Sleep(0);
 }
 
