@@ -9,10 +9,11 @@
 #include <string>
 #include <string_view>
 
-#include "system/ProcText.h"
+#include "base/ProcText.h"
 
 namespace {
 
+using namespace qilsys::base;
 using namespace qilsys::system;
 
 void Require(bool condition) {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "system/ProcText.h"
+#include "base/ProcText.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ Number BytesByTheLetter(const std::string& text, const std::string& key) {
 void CheckStatus(const std::string& text) {
   const Number resident = BytesByTheLetter(text, "RssAnon");
   const Number swapped = BytesByTheLetter(text, "VmSwap");
-  Require(qilsys::system::BytesOfRow(text, "RssAnon") == resident);
+  Require(qilsys::base::BytesOfRow(text, "RssAnon") == resident);
   Number wanted;
   if (resident && swapped && *resident <= UINT64_MAX - *swapped) wanted = *resident + *swapped;
   Require(qilsys::monitor::PrivateBytesOfStatus(text) == wanted);
@@ -90,6 +90,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CheckStatus(text);
   CheckStat(text);
   const bool endsInLineFeed = text.ends_with('\n');
-  Require(qilsys::system::SingleNumber(text) == DigitsOf(text.substr(0, text.size() - (endsInLineFeed ? 1 : 0))));
+  Require(qilsys::base::SingleNumber(text) == DigitsOf(text.substr(0, text.size() - (endsInLineFeed ? 1 : 0))));
   return 0;
 }

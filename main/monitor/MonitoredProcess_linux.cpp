@@ -26,10 +26,10 @@ namespace qilsys::monitor {
 
 namespace {
 
-using system::FileDescriptor;
+using base::FileDescriptor;
+using base::Uninterrupted;
 using system::ReadTextFile;
 using system::TextFile;
-using system::Uninterrupted;
 
 std::uint64_t HundredNanoseconds(const timespec& time) {
   return static_cast<std::uint64_t>(time.tv_sec) * 10'000'000 + static_cast<std::uint64_t>(time.tv_nsec) / 100;

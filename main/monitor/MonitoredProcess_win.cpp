@@ -10,8 +10,8 @@
 #include <powrprof.h>
 #include <psapi.h>
 
+#include "base/Win32Handle_win.h"
 #include "qilsys/MonitoredProcess.h"
-#include "synchronize/Win32Handle_win.h"
 
 // A macro of psapi.h, which would give our function of that name the name of the system's.
 #undef GetProcessMemoryInfo

@@ -2,13 +2,13 @@
 
 #include <limits>
 
-#include "system/ProcText.h"
+#include "base/ProcText.h"
 
 namespace qilsys::monitor {
 
-using system::BytesOfRow;
-using system::TakeWord;
-using system::WholeNumber;
+using base::BytesOfRow;
+using base::TakeWord;
+using base::WholeNumber;
 
 std::optional<std::uint64_t> PrivateBytesOfStatus(std::string_view status) {
   const std::optional<std::uint64_t> resident = BytesOfRow(status, "RssAnon");

@@ -4,7 +4,7 @@
 #include <array>
 #include <optional>
 
-#include "system/ProcText.h"
+#include "base/ProcText.h"
 
 namespace qilsys::monitor {
 
@@ -29,7 +29,7 @@ constexpr ClockFile CurrentFile{"cpufreq/scaling_cur_freq", 1000};
 // a field empty so.
 std::optional<std::uint64_t> ReadMhz(const std::string& processor, const ClockFile& file,
                                      const ReadProcessorFile& read) {
-  const std::uint64_t units = system::SingleNumber(read(processor + file.name)).value_or(0);
+  const std::uint64_t units = base::SingleNumber(read(processor + file.name)).value_or(0);
   if (units == 0) return std::nullopt;
   return units / file.unitsPerMhz + (2 * (units % file.unitsPerMhz) >= file.unitsPerMhz ? 1 : 0);
 }

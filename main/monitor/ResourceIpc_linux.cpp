@@ -10,7 +10,7 @@
 #include <boost/system/system_error.hpp>
 #include <cerrno>
 
-#include "system/FileDescriptor_linux.h"
+#include "base/FileDescriptor_linux.h"
 
 namespace qilsys::monitor {
 
@@ -21,7 +21,7 @@ SocketsInUse::SocketsInUse() = default;
 SocketsInUse::~SocketsInUse() {}
 
 void OpenUninherited(udp::socket& socket) {
-  system::FileDescriptor descriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP));
+  base::FileDescriptor descriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP));
   if (!descriptor.IsOpen()) throw boost::system::system_error(errno, boost::system::system_category(), "open");
   socket.assign(udp::v4(), descriptor.Get());
   descriptor.Release();

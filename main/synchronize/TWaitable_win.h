@@ -7,7 +7,7 @@
 
 #include <atomic>
 
-#include "synchronize/Win32Handle_win.h"
+#include "base/Win32Handle_win.h"
 
 namespace qilsys::synchronize {
 

@@ -3,9 +3,15 @@
 #include <algorithm>
 #include <charconv>
 
-#include "system/ProcText.h"
+#include "base/ProcText.h"
 
 namespace qilsys::system {
+
+using base::BytesOfRow;
+using base::TakeRow;
+using base::TakeUntil;
+using base::TakeWord;
+using base::WholeNumber;
 
 namespace {
 

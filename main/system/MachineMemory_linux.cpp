@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "system/ProcText.h"
+#include "base/ProcText.h"
 #include "system/TSystem_platform.h"
 #include "system/TextFile_linux.h"
 
@@ -26,9 +26,9 @@ constexpr CgroupFiles FilesV1 = {"/memory.limit_in_bytes", "/memory.usage_in_byt
 constexpr CgroupFiles FilesV2 = {"/memory.max", "/memory.current", "inactive_file"};
 
 CgroupMemory ReadCgroup(const std::string& folder, const CgroupFiles& files) {
-  CgroupMemory group{.limit = SingleNumber(ReadTextFile(folder + files.limit))};
+  CgroupMemory group{.limit = base::SingleNumber(ReadTextFile(folder + files.limit))};
   if (group.limit) {
-    group.usage = SingleNumber(ReadTextFile(folder + files.usage)).value_or(0);
+    group.usage = base::SingleNumber(ReadTextFile(folder + files.usage)).value_or(0);
     group.reclaimable = ParseStatRow(ReadTextFile(folder + "/memory.stat"), files.reclaimableRow).value_or(0);
   }
   return group;

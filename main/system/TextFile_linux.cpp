@@ -8,6 +8,9 @@
 
 namespace qilsys::system {
 
+using base::FileDescriptor;
+using base::Uninterrupted;
+
 namespace {
 
 FileDescriptor Open(const char* path) {

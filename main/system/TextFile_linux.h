@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "system/FileDescriptor_linux.h"
+#include "base/FileDescriptor_linux.h"
 
 namespace qilsys::system {
 
@@ -40,7 +40,7 @@ class TextFile {
   std::size_t ReadInto(char* buffer, std::size_t size) const;
   std::string ReadLongText() const;
 
-  FileDescriptor m_file;
+  base::FileDescriptor m_file;
 };
 
 }  // namespace qilsys::system

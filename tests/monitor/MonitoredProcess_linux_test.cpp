@@ -21,10 +21,10 @@
 #include <string_view>
 #include <thread>
 
+#include "base/ProcText.h"
 #include "qilsys/MonitoredProcess.h"
 #include "qilsys/QuillonException.h"
 #include "support/Eventually.h"
-#include "system/ProcText.h"
 #include "system/TextFile_linux.h"
 
 namespace qilsys::test {
@@ -95,7 +95,7 @@ class Bell {
 };
 
 bool FirstThreadHasEnded() {
-  return system::ValueOf(system::ReadTextFile("/proc/self/status"), "State").value_or("").starts_with("\tZ");
+  return base::ValueOf(system::ReadTextFile("/proc/self/status"), "State").value_or("").starts_with("\tZ");
 }
 
 // Never comes back: `rest` runs on a thread of its own, and its result ends the process.

@@ -16,7 +16,7 @@
 #include <thread>
 #include <utility>
 
-#include "synchronize/Win32Handle_win.h"
+#include "base/Win32Handle_win.h"
 
 namespace qilsys::test {
 

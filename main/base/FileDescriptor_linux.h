@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <utility>
 
-namespace qilsys::system {
+namespace qilsys::base {
 
 /// Closes its descriptor when it goes; -1 is none.
 class FileDescriptor {
@@ -51,4 +51,4 @@ auto Uninterrupted(TCall call) {
   return result;
 }
 
-}  // namespace qilsys::system
+}  // namespace qilsys::base

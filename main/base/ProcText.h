@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace qilsys::system {
+namespace qilsys::base {
 
 /// Cuts `text` behind the first `end`, and gives what stood before it; all of the text where there is none.
 std::string_view TakeUntil(std::string_view& text, char end);
@@ -30,4 +30,4 @@ std::optional<std::string_view> ValueOf(std::string_view text, std::string_view 
 /// pass 64 bits.
 std::optional<std::uint64_t> BytesOfRow(std::string_view text, std::string_view key);
 
-}  // namespace qilsys::system
+}  // namespace qilsys::base

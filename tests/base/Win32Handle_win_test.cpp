@@ -1,4 +1,4 @@
-#include "synchronize/Win32Handle_win.h"
+#include "base/Win32Handle_win.h"
 
 #include <gtest/gtest.h>
 

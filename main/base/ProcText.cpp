@@ -1,10 +1,10 @@
-#include "system/ProcText.h"
+#include "base/ProcText.h"
 
 #include <algorithm>
 #include <charconv>
 #include <limits>
 
-namespace qilsys::system {
+namespace qilsys::base {
 
 namespace {
 
@@ -56,4 +56,4 @@ std::optional<std::uint64_t> BytesOfRow(std::string_view text, std::string_view 
   return *kilobytes * 1024;
 }
 
-}  // namespace qilsys::system
+}  // namespace qilsys::base

@@ -1,4 +1,4 @@
-#include "system/ProcText.h"
+#include "base/ProcText.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include "support/RowName.h"
 
-namespace qilsys::system {
+namespace qilsys::base {
 namespace {
 
 std::vector<std::string> WordsOf(std::string_view text) {
@@ -118,4 +118,4 @@ INSTANTIATE_TEST_SUITE_P(
     test::RowName<KilobyteRow>);
 
 }  // namespace
-}  // namespace qilsys::system
+}  // namespace qilsys::base
