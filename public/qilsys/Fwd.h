@@ -5,6 +5,7 @@
 // Text
 class TStringCore;
 class TFormatStringCore;
+class TScanStringCore;
 namespace KMP {
 class StringTable;  // KMP.h
 }

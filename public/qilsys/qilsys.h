@@ -24,6 +24,7 @@
 #include "qilsys/TLocks.h"
 #include "qilsys/TMath.h"
 #include "qilsys/TMemory.h"
+#include "qilsys/TScanStringCore.h"
 #include "qilsys/TSemaphore.h"
 #include "qilsys/TStringCore.h"
 #include "qilsys/TStringCoreClass.h"

@@ -6,8 +6,8 @@ const std::vector<Operation>& AllOperations() {
   static const std::vector<Operation> Operations = [] {
     std::vector<Operation> all;
     for (const auto add : {&AddTextMaking, &AddTextReading, &AddTextSearching, &AddTextEditing, &AddTextCutting,
-                           &AddUnicode, &AddFormats, &AddErrors, &AddExceptions, &AddHashing, &AddSynchronizing,
-                           &AddAskingTheSystem, &AddMonitoring}) {
+                           &AddUnicode, &AddFormats, &AddScanning, &AddErrors, &AddExceptions, &AddHashing,
+                           &AddSynchronizing, &AddAskingTheSystem, &AddMonitoring}) {
       add(all);
     }
     return all;

@@ -101,6 +101,7 @@ void AddUnicode(std::vector<Operation>& operations);
 void AddExceptions(std::vector<Operation>& operations);
 void AddErrors(std::vector<Operation>& operations);
 void AddFormats(std::vector<Operation>& operations);
+void AddScanning(std::vector<Operation>& operations);
 void AddHashing(std::vector<Operation>& operations);
 void AddSynchronizing(std::vector<Operation>& operations);
 void AddAskingTheSystem(std::vector<Operation>& operations);
