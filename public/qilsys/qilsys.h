@@ -12,6 +12,7 @@
 #include "qilsys/ReferenceCount.h"
 #include "qilsys/ResourceManager.h"
 #include "qilsys/ResourceReporter.h"
+#include "qilsys/StaticRepository.h"
 #include "qilsys/TCType.h"
 #include "qilsys/TCodePointIterator.h"
 #include "qilsys/TCodeUnit.h"

@@ -7,7 +7,7 @@ const std::vector<Operation>& AllOperations() {
     std::vector<Operation> all;
     for (const auto add : {&AddTextMaking, &AddTextReading, &AddTextSearching, &AddTextEditing, &AddTextCutting,
                            &AddUnicode, &AddFormats, &AddScanning, &AddErrors, &AddExceptions, &AddHashing,
-                           &AddSynchronizing, &AddAskingTheSystem, &AddMonitoring}) {
+                           &AddSynchronizing, &AddAskingTheSystem, &AddRepository, &AddMonitoring}) {
       add(all);
     }
     return all;

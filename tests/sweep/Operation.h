@@ -105,6 +105,7 @@ void AddScanning(std::vector<Operation>& operations);
 void AddHashing(std::vector<Operation>& operations);
 void AddSynchronizing(std::vector<Operation>& operations);
 void AddAskingTheSystem(std::vector<Operation>& operations);
+void AddRepository(std::vector<Operation>& operations);
 void AddMonitoring(std::vector<Operation>& operations);
 
 /// All of them.
