@@ -50,6 +50,37 @@ std::string_view PathBelow(std::string_view root, std::string_view path) {
   return isBelow ? path.substr(root.size()) : std::string_view();
 }
 
+// What the files of a group are called.
+struct CgroupFiles {
+  const char* limit;
+  const char* usage;
+  const char* reclaimableRow;
+};
+
+constexpr CgroupFiles FilesV1 = {"/memory.limit_in_bytes", "/memory.usage_in_bytes", "total_inactive_file"};
+constexpr CgroupFiles FilesV2 = {"/memory.max", "/memory.current", "inactive_file"};
+
+// A limit of "max" is none.
+CgroupMemory CgroupMemoryFrom(const TextOf& textOf, const std::string& folder, const CgroupFiles& files) {
+  CgroupMemory group{.limit = base::SingleNumber(textOf(folder + files.limit))};
+  if (group.limit) {
+    group.usage = base::SingleNumber(textOf(folder + files.usage)).value_or(0);
+    group.reclaimable = ParseStatRow(textOf(folder + "/memory.stat"), files.reclaimableRow).value_or(0);
+  }
+  return group;
+}
+
+// A parent's limit holds for its children too, so the walk goes up the tree.
+void BoundByCgroups(MachineMemory& memory, const TextOf& textOf, CgroupVersion version) {
+  const auto path = ParseCgroupPath(textOf("/proc/self/cgroup"), version);
+  const auto mount = ParseCgroupMount(textOf("/proc/self/mountinfo"), version);
+  if (!path || !mount) return;
+  const CgroupFiles& files = version == CgroupVersion::V1 ? FilesV1 : FilesV2;
+  for (const std::string& folder : CgroupFolders(*mount, *path)) {
+    memory = Bound(memory, CgroupMemoryFrom(textOf, folder, files));
+  }
+}
+
 std::uint32_t PercentOf(std::uint64_t part, std::uint64_t whole) {
   return whole == 0 ? 0 : static_cast<std::uint32_t>(static_cast<double>(part) * 100.0 / static_cast<double>(whole));
 }
@@ -147,6 +178,13 @@ MachineMemory Bound(const MachineMemory& memory, const CgroupMemory& group) {
   const std::uint64_t held = group.usage - std::min(group.usage, group.reclaimable);
   const std::uint64_t room = *group.limit - std::min(*group.limit, held);
   return MachineMemory{.total = std::min(memory.total, *group.limit), .available = std::min(memory.available, room)};
+}
+
+MachineMemory MachineMemoryFrom(const TextOf& textOf) {
+  MachineMemory memory = ParseMemInfo(textOf("/proc/meminfo")).value_or(MachineMemory());
+  BoundByCgroups(memory, textOf, CgroupVersion::V1);
+  BoundByCgroups(memory, textOf, CgroupVersion::V2);
+  return memory;
 }
 
 }  // namespace qilsys::system

@@ -1,8 +1,9 @@
-/// How much memory there is: what TSystem tells of it, and the texts by which a Linux kernel does. Pure functions; the
-/// file that reads those texts is MachineMemory_linux.cpp.
+/// How much memory there is: what TSystem tells of it, and the texts by which a Linux kernel does. The file that reads
+/// those texts is MachineMemory_linux.cpp; here they come as arguments.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -61,5 +62,12 @@ std::optional<std::uint64_t> ParseStatRow(std::string_view text, std::string_vie
 
 /// The smaller of the machine's memory and the group's, for total and available each.
 MachineMemory Bound(const MachineMemory& memory, const CgroupMemory& group);
+
+/// The text of the file at a path; empty where there is none.
+using TextOf = std::function<std::string(const std::string& path)>;
+
+/// The machine's memory, bounded by the group of this process and by all above it, in both layouts. All zero where
+/// /proc/meminfo tells nothing; a group whose files are not there bounds nothing.
+MachineMemory MachineMemoryFrom(const TextOf& textOf);
 
 }  // namespace qilsys::system

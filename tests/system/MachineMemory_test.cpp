@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
+#include <utility>
 
 #include "support/RowName.h"
 
@@ -173,5 +175,121 @@ TEST(BoundByGroups, AParentsUsageCountsBesideTheSmallestLimit) {
   const MachineMemory child = Bound(Machine, {4 * Gibibyte, Gibibyte, 0});
   EXPECT_EQ(Bound(child, {8 * Gibibyte, 7 * Gibibyte, 0}), (MachineMemory{4 * Gibibyte, Gibibyte}));
 }
+
+// ---- Whole trees
+
+struct TreeRow {
+  const char* name;
+  std::map<std::string, std::string> files;
+  MachineMemory result;
+};
+void PrintTo(const TreeRow& row, std::ostream* out) { *out << row.name; }
+
+class MachineMemoryFromTree : public testing::TestWithParam<TreeRow> {};
+
+TEST_P(MachineMemoryFromTree, IsBoundByTheSmallestLimitUpTheTree) {
+  const auto textOf = [](const std::string& path) {
+    const auto file = GetParam().files.find(path);
+    return file != GetParam().files.end() ? file->second : std::string();
+  };
+  EXPECT_EQ(qilsys::system::MachineMemoryFrom(textOf), GetParam().result);
+}
+
+// 1,000 kB in all, 800 kB of them available.
+const std::pair<const std::string, std::string> MemInfo{"/proc/meminfo",
+                                                        "MemTotal: 1000 kB\nMemFree: 1 kB\nMemAvailable: 800 kB\n"};
+constexpr MachineMemory Unbound{1000 * 1024, 800 * 1024};
+const std::pair<const std::string, std::string> InV1{"/proc/self/cgroup", "4:memory:/a/b\n1:cpu:/c\n"};
+const std::pair<const std::string, std::string> InV2{"/proc/self/cgroup", "0::/a/b\n"};
+const std::pair<const std::string, std::string> MountV1{
+    "/proc/self/mountinfo", "35 31 0:32 / /cg/memory rw shared:12 - cgroup cgroup rw,memory\n"};
+const std::pair<const std::string, std::string> MountV2{"/proc/self/mountinfo",
+                                                        "41 31 0:38 / /cg rw,relatime - cgroup2 cgroup2 rw\n"};
+
+const TreeRow TreeRows[] = {
+    {"NoFileAtAll", {}, {0, 0}},
+    {"MeminfoAlone", {MemInfo}, Unbound},
+    {"NoMeminfo", {InV2, MountV2, {"/cg/a/b/memory.max", "4096\n"}}, {0, 0}},
+    {"NoMount", {MemInfo, InV2, {"/cg/a/b/memory.max", "4096\n"}}, Unbound},
+    {"NoGroup", {MemInfo, MountV2, {"/cg/a/b/memory.max", "4096\n"}}, Unbound},
+    {"NoFilesOfTheGroup", {MemInfo, InV2, MountV2}, Unbound},
+    {"V2OwnLimit",
+     {MemInfo,
+      InV2,
+      MountV2,
+      {"/cg/a/b/memory.max", "409600\n"},
+      {"/cg/a/b/memory.current", "204800\n"},
+      {"/cg/a/b/memory.stat", "anon 7\ninactive_file 102400\nfile 9\n"}},
+     {409600, 307200}},
+    {"V2Max",
+     {MemInfo,
+      InV2,
+      MountV2,
+      {"/cg/a/b/memory.max", "max\n"},
+      {"/cg/a/b/memory.current", "204800\n"},
+      {"/cg/a/memory.max", "max\n"}},
+     Unbound},
+    {"V2ParentsLimitAboveMax",
+     {MemInfo,
+      InV2,
+      MountV2,
+      {"/cg/a/b/memory.max", "max\n"},
+      {"/cg/a/memory.max", "409600\n"},
+      {"/cg/a/memory.current", "9600\n"}},
+     {409600, 400000}},
+    {"V2ParentsLimitIsSmaller",
+     {MemInfo, InV2, MountV2, {"/cg/a/b/memory.max", "409600\n"}, {"/cg/a/memory.max", "102400\n"}},
+     {102400, 102400}},
+    {"V2ParentsLimitIsLarger",
+     {MemInfo, InV2, MountV2, {"/cg/a/b/memory.max", "102400\n"}, {"/cg/a/memory.max", "409600\n"}},
+     {102400, 102400}},
+    {"V2LimitAtTheMount", {MemInfo, InV2, MountV2, {"/cg/memory.max", "102400\n"}}, {102400, 102400}},
+    {"V2LimitAboveTheMachine",
+     {MemInfo, InV2, MountV2, {"/cg/a/b/memory.max", "2048000\n"}, {"/cg/a/b/memory.current", "1948000\n"}},
+     {1000 * 1024, 100000}},
+    {"V2BrokenLimit", {MemInfo, InV2, MountV2, {"/cg/a/b/memory.max", "4096 kB\n"}}, Unbound},
+    {"V2BrokenUsage",
+     {MemInfo, InV2, MountV2, {"/cg/a/b/memory.max", "409600\n"}, {"/cg/a/b/memory.current", "-1\n"}},
+     {409600, 409600}},
+    {"V1OwnLimit",
+     {MemInfo,
+      InV1,
+      MountV1,
+      {"/cg/memory/a/b/memory.limit_in_bytes", "409600\n"},
+      {"/cg/memory/a/b/memory.usage_in_bytes", "204800\n"},
+      {"/cg/memory/a/b/memory.stat", "inactive_file 1\ntotal_inactive_file 102400\n"}},
+     {409600, 307200}},
+    {"V1NoLimit",
+     {MemInfo,
+      InV1,
+      MountV1,
+      {"/cg/memory/a/b/memory.limit_in_bytes", "9223372036854771712\n"},
+      {"/cg/memory/a/b/memory.usage_in_bytes", "204800\n"}},
+     Unbound},
+    {"V1ParentsLimit",
+     {MemInfo,
+      InV1,
+      MountV1,
+      {"/cg/memory/a/b/memory.limit_in_bytes", "9223372036854771712\n"},
+      {"/cg/memory/a/memory.limit_in_bytes", "102400\n"}},
+     {102400, 102400}},
+    {"V2FilesInAV1Tree", {MemInfo, InV1, MountV1, {"/cg/memory/a/b/memory.max", "4096\n"}}, Unbound},
+    {"BothLayoutsAtOnce",
+     {MemInfo,
+      {"/proc/self/cgroup", InV1.second + InV2.second},
+      {"/proc/self/mountinfo", MountV1.second + MountV2.second},
+      {"/cg/memory/a/memory.limit_in_bytes", "409600\n"},
+      {"/cg/a/memory.max", "204800\n"}},
+     {204800, 204800}},
+    {"MountThatShowsAPart",
+     {MemInfo,
+      {"/proc/self/cgroup", "0::/docker/x/job\n"},
+      {"/proc/self/mountinfo", "41 31 0:38 /docker/x /cg rw - cgroup2 cgroup2 rw\n"},
+      {"/cg/job/memory.max", "409600\n"},
+      {"/cg/memory.max", "204800\n"},
+      {"/cg/docker/memory.max", "1\n"}},
+     {204800, 204800}},
+};
+INSTANTIATE_TEST_SUITE_P(Table, MachineMemoryFromTree, testing::ValuesIn(TreeRows), qilsys::test::RowName<TreeRow>);
 
 }  // namespace
