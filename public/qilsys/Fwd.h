@@ -54,5 +54,9 @@ namespace qilsys {
 class FunctionReporter;  // ResourceReporter.h
 }
 
+// Diagnostics
+class TStackWalker;
+class StackWalkerConfig;  // TStackWalker.h
+
 // Hashing
 class sha2;

@@ -27,6 +27,7 @@
 #include "qilsys/TMemory.h"
 #include "qilsys/TScanStringCore.h"
 #include "qilsys/TSemaphore.h"
+#include "qilsys/TStackWalker.h"
 #include "qilsys/TStringCore.h"
 #include "qilsys/TStringCoreClass.h"
 #include "qilsys/TStringCoreOperators.h"

@@ -14,7 +14,7 @@ from tree import Report, tracked
 # and of implementation records that others describe by these names.
 PRESCRIBED = ('ResourceManager::CpuConfig ResourceManager::MemoryConfig ResourceManager::GeneralConfig '
               'TSystem::MemoryInfo ProcessTimesSample PeerRecord TCountdownEvent::Impl TStringCore::Exception '
-              'TConstCodePointIterator').split()
+              'TConstCodePointIterator StackFrameInfo').split()
 
 
 def types_of(files):
