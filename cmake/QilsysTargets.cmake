@@ -10,6 +10,12 @@ find_package(ICU REQUIRED COMPONENTS uc)
 find_path(QILSYS_GRPC_INCLUDE_DIR grpcpp/support/status_code_enum.h REQUIRED)
 mark_as_advanced(QILSYS_GRPC_INCLUDE_DIR)
 
+if(NOT WIN32)
+  # Stack walks open libdw when there is one; what is needed to build is its headers.
+  find_path(QILSYS_LIBDW_INCLUDE_DIR elfutils/libdwfl.h REQUIRED)
+  mark_as_advanced(QILSYS_LIBDW_INCLUDE_DIR)
+endif()
+
 add_library(qilsys_grpc_header INTERFACE)
 target_include_directories(qilsys_grpc_header SYSTEM INTERFACE ${QILSYS_GRPC_INCLUDE_DIR})
 

@@ -9,6 +9,9 @@
 #include <unistd.h>
 #include <unwind.h>
 
+#include "diagnostics/DwarfSymbols_linux.h"
+#include "diagnostics/LibDw_linux.h"
+
 namespace qilsys::diagnostics {
 
 namespace {
@@ -44,7 +47,11 @@ std::size_t CaptureStack(std::span<CapturedFrame> frames) noexcept {
 
 std::uint64_t NumberOfThread() noexcept { return static_cast<std::uint64_t>(gettid()); }
 
-std::unique_ptr<ISymbolSource> MakeSymbolSource() { return std::make_unique<NothingKnown>(); }
+std::unique_ptr<ISymbolSource> MakeSymbolSource() {
+  const LibDw* const dw = TheLibDw();
+  if (!dw) return std::make_unique<NothingKnown>();
+  return std::make_unique<DwarfSymbols>(*dw);
+}
 
 // Without memory for it a child that is forked amid a walk must not walk.
 void CallAroundForks(void (*before)(), void (*after)()) noexcept { pthread_atfork(before, after, after); }
