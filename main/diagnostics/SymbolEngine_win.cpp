@@ -7,8 +7,11 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 
+#include "diagnostics/DebugHelpSymbols_win.h"
+#include "diagnostics/DebugHelp_win.h"
 #include "qilsys/TStackWalker.h"
 
 namespace qilsys::diagnostics {
@@ -23,20 +26,26 @@ class NothingKnown : public ISymbolSource {
 
 }  // namespace
 
+// Behind the frame at which a thread begins there may be null, and whatever lies behind that.
 std::size_t CaptureStack(std::span<CapturedFrame> frames) noexcept {
   std::array<void*, StackWalkerConfig::numberOfStackWalks> addresses;
-  const auto most = static_cast<DWORD>(frames.size() < addresses.size() ? frames.size() : addresses.size());
-  const std::size_t count = RtlCaptureStackBackTrace(0, most, addresses.data(), nullptr);
-  for (std::size_t i = 0; i < count; ++i) {
-    const auto address = reinterpret_cast<std::uint64_t>(addresses[i]);
-    frames[i] = {address, address - 1};
+  const auto most = static_cast<DWORD>(std::min(frames.size(), addresses.size()));
+  const std::size_t captured = RtlCaptureStackBackTrace(0, most, addresses.data(), nullptr);
+  std::size_t count = 0;
+  for (; count < captured && addresses[count]; ++count) {
+    const auto address = reinterpret_cast<std::uint64_t>(addresses[count]);
+    frames[count] = {address, address - 1};
   }
   return count;
 }
 
 std::uint64_t NumberOfThread() noexcept { return GetCurrentThreadId(); }
 
-std::unique_ptr<ISymbolSource> MakeSymbolSource() { return std::make_unique<NothingKnown>(); }
+std::unique_ptr<ISymbolSource> MakeSymbolSource() {
+  const DebugHelp* const help = TheDebugHelp();
+  if (!help) return std::make_unique<NothingKnown>();
+  return std::make_unique<DebugHelpSymbols>(*help);
+}
 
 void CallAroundForks(void (*)(), void (*)()) noexcept {}
 
