@@ -57,8 +57,19 @@ DwarfSymbols::DwarfSymbols(const LibDw& dw)
 
 DwarfSymbols::~DwarfSymbols() = default;
 
-void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
+// libdw takes what lies between two modules for the first one, once it has opened their files; there may be one that has
+// been loaded since.
+Dwfl_Module* DwarfSymbols::FindModule(std::uint64_t lookUp) {
   Dwfl_Module* const handle = m_dw.dwfl_addrmodule(m_session.get(), lookUp);
+  if (!handle) return nullptr;
+  Dwarf_Addr begin = 0;
+  Dwarf_Addr end = 0;
+  m_dw.dwfl_module_info(handle, nullptr, &begin, &end, nullptr, nullptr, nullptr, nullptr);
+  return begin <= lookUp && lookUp < end ? handle : nullptr;
+}
+
+void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
+  Dwfl_Module* const handle = FindModule(lookUp);
   if (!handle) return;
   ModuleOf(handle);
   const char* const path = m_dw.dwfl_module_info(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
@@ -71,7 +82,7 @@ void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
 }
 
 void DwarfSymbols::FindLine(std::uint64_t lookUp, StackFrameInfo& frame) {
-  Dwfl_Module* const handle = m_dw.dwfl_addrmodule(m_session.get(), lookUp);
+  Dwfl_Module* const handle = FindModule(lookUp);
   if (!handle) return;
   Module& module = ModuleOf(handle);
   try {

@@ -56,6 +56,7 @@ class DwarfSymbols : public ISymbolSource {
   static int FindDebugFile(Dwfl_Module* handle, void** userData, const char* moduleName, Dwarf_Addr base,
                            const char* file, const char* linkName, GElf_Word linkSum, char** found);
 
+  Dwfl_Module* FindModule(std::uint64_t lookUp);
   Module& ModuleOf(Dwfl_Module* handle);
   void OpenDwarf(Dwfl_Module* handle, Module& module);
   void FindLine(Module& module, Dwarf_Addr address, StackFrameInfo& frame);
