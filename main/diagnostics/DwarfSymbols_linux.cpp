@@ -3,6 +3,7 @@
 
 #include <cxxabi.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -36,6 +37,18 @@ std::string_view WithoutMark(std::string_view path) {
   return path.ends_with(Mark) ? path.substr(0, path.size() - Mark.size()) : path;
 }
 
+// Keeps the calling thread from being cancelled where libdw reads files, which would be left half read.
+class Uncancelled {
+ public:
+  Uncancelled() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_before); }
+  Uncancelled(const Uncancelled&) = delete;
+  Uncancelled& operator=(const Uncancelled&) = delete;
+  ~Uncancelled() { pthread_setcancelstate(m_before, nullptr); }
+
+ private:
+  int m_before = PTHREAD_CANCEL_ENABLE;
+};
+
 // libdw keeps its files open, and opens them so that programs that the process starts would have them too.
 int ClosedOnExec(int descriptor) {
   if (descriptor >= 0) fcntl(descriptor, F_SETFD, FD_CLOEXEC);
@@ -49,13 +62,17 @@ DwarfSymbols::DwarfSymbols(const LibDw& dw)
       m_callbacks{&DwarfSymbols::FindFile, &DwarfSymbols::FindDebugFile, nullptr, nullptr},
       m_session(dw.dwfl_begin(&m_callbacks), dw.dwfl_end) {
   if (!m_session) throw std::bad_alloc();
+  const Uncancelled uncancelled;
   dw.dwfl_report_begin(m_session.get());
   // Modules that it has not come to stay unknown.
   static_cast<void>(dw.dwfl_linux_proc_report(m_session.get(), getpid()));
   static_cast<void>(dw.dwfl_report_end(m_session.get(), nullptr, nullptr));
 }
 
-DwarfSymbols::~DwarfSymbols() = default;
+DwarfSymbols::~DwarfSymbols() {
+  const Uncancelled uncancelled;
+  m_session.reset();
+}
 
 // libdw takes what lies between two modules for the first one, once it has opened their files; there may be one that has
 // been loaded since.
@@ -69,6 +86,7 @@ Dwfl_Module* DwarfSymbols::FindModule(std::uint64_t lookUp) {
 }
 
 void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
+  const Uncancelled uncancelled;
   Dwfl_Module* const handle = FindModule(lookUp);
   if (!handle) return;
   ModuleOf(handle);
@@ -82,6 +100,7 @@ void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
 }
 
 void DwarfSymbols::FindLine(std::uint64_t lookUp, StackFrameInfo& frame) {
+  const Uncancelled uncancelled;
   Dwfl_Module* const handle = FindModule(lookUp);
   if (!handle) return;
   Module& module = ModuleOf(handle);

@@ -25,5 +25,17 @@ Chain Chain1;
 namespace InPlainModule {
 Chain Chain1;
 }
+namespace InSplitModule {
+Chain Chain1;
+}
+namespace InCompressedModule {
+Chain Chain1;
+}
+namespace InCompressedSplitModule {
+Chain Chain1;
+}
+namespace InModuleWithoutTable {
+Chain Chain1;
+}
 
 }  // namespace qilsys::test

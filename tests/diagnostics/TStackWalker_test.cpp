@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cpu/Compiler.h"
+#include "diagnostics/CollectedLines.h"
 #include "diagnostics/LoadedModule.h"
 #include "diagnostics/StackChain.h"
 #include "qilsys/TSystem.h"
@@ -28,11 +29,6 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
-
-// A thread's number or an address; without classes of characters and counts, which gtest knows not on each system.
-#define QILSYS_ID "0x0000\\w\\w\\w\\w\\w\\w\\w\\w\\w\\w\\w\\w"
-
-using Lines = std::vector<std::string>;
 
 // Where walks are on, and everything is shown.
 class TStackWalkerTest : public testing::Test {
@@ -51,29 +47,6 @@ class TStackWalkerTest : public testing::Test {
     TStackWalker::IncludeFileLineNumber(lineNumber);
   }
 };
-
-// A Visit whose argument is the Lines to fill.
-QILSYS_NOINLINE void Collect(void* argument) {
-  TStackWalker walker;
-  walker.GenerateCallstack();
-  static_cast<Lines*>(argument)->assign(walker.GetCollected().begin(), walker.GetCollected().end());
-}
-
-Lines LinesThrough(Chain* chain) {
-  Lines lines;
-  chain(&Collect, &lines);
-  return lines;
-}
-
-// The line that shows the function of the chain; empty where none does.
-std::string LineOf(const Lines& lines, int link) {
-  const std::string name = "Chain" + std::to_string(link);
-  const auto found = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
-    const std::size_t at = line.rfind(name);
-    return at != line.npos && (at + name.size() == line.size() || line[at + name.size()] == '(');
-  });
-  return found == lines.end() ? "" : *found;
-}
 
 TEST(TStackWalkerSwitch, OffAtFirstAndInitSymReturnsWhatWasBefore) {
   EXPECT_FALSE(TStackWalker::IsActive());
@@ -170,7 +143,7 @@ TEST_P(ChainTest, EachOfItsFunctionsHasItsLine) {
 
 TEST_P(ChainTest, FramesStandInTheirOrderAndTheWalkersOwnAreLeftOut) {
   const Lines lines = LinesThrough(GetParam().chain);
-  EXPECT_THAT(lines.front(), AllOf(HasSubstr("TStackWalker_test.cpp("), HasSubstr("Collect")));
+  EXPECT_THAT(lines.front(), AllOf(HasSubstr("CollectedLines.cpp("), HasSubstr("Collect")));
   std::size_t at = 0;
   for (int link = ChainLength; link >= 1; --link) {
     ++at;
