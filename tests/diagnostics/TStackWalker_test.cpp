@@ -18,6 +18,7 @@
 #include "qilsys/TSystem.h"
 #include "support/Latch.h"
 #include "support/RowName.h"
+#include "support/System.h"
 
 namespace qilsys::test {
 namespace {
@@ -124,7 +125,13 @@ struct ModuleRow {
   bool hasDebugInformation;
 };
 
-class ChainTest : public TStackWalkerTest, public testing::WithParamInterface<ModuleRow> {};
+class ChainTest : public TStackWalkerTest, public testing::WithParamInterface<ModuleRow> {
+ protected:
+  void SetUp() override {
+    if (GetParam().hasDebugInformation) return;
+    QILSYS_SKIP_UNDER_WINE("without debug information functions have no names");
+  }
+};
 
 TEST_P(ChainTest, EachOfItsFunctionsHasItsLine) {
   const Lines lines = LinesThrough(GetParam().chain);
@@ -177,8 +184,9 @@ TEST_P(SwitchesTest, DecideWhatALineShows) {
   Show(row.thread, row.addresses, row.fileName, row.lineNumber);
   EXPECT_THAT(LineOf(LinesThrough(&InModule::Chain1), 3),
               MatchesRegex(std::string(row.withFile) + "stack_chain!.*Chain3.*"));
-  EXPECT_THAT(LineOf(LinesThrough(&InPlainModule::Chain1), 3),
-              MatchesRegex(std::string(row.withoutFile) + "stack_chain_plain!.*Chain3.*"));
+  // Behind those of the visit and of the links after it.
+  EXPECT_THAT(LinesThrough(&InPlainModule::Chain1).at(1 + ChainLength - 3),
+              MatchesRegex(std::string(row.withoutFile) + "stack_chain_plain!.*"));
 }
 
 constexpr SwitchRow Switches[] = {
