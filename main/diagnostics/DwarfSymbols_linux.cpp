@@ -17,8 +17,10 @@ namespace qilsys::diagnostics {
 
 namespace {
 
-// Where libdw finds no memory it would end the process. It has no lock and no object to clean up at that place.
-[[noreturn]] void RaiseOutOfMemory() { throw std::bad_alloc(); }
+struct LibDwOutOfMemory : std::bad_alloc {};
+
+// Where libdw finds no memory for what it keeps, it would end the process. It holds no lock at that place.
+[[noreturn]] void RaiseOutOfMemory() { throw LibDwOutOfMemory(); }
 
 struct Free {
   void operator()(char* text) const { std::free(text); }
@@ -107,9 +109,8 @@ void DwarfSymbols::FindLine(std::uint64_t lookUp, StackFrameInfo& frame) {
   try {
     if (!module.isDwarfKnown) OpenDwarf(handle, module);
     if (module.dwarf) FindLine(module, lookUp - module.bias, frame);
-  } catch (const std::bad_alloc&) {
+  } catch (const LibDwOutOfMemory&) {
     // What libdw was at is lost to it, so that it had better not be tried again and again.
-    module.isDwarfKnown = true;
     module.dwarf = nullptr;
     throw;
   }
@@ -188,8 +189,8 @@ Dwarf_Die* DwarfSymbols::FindUnit(Module& module, Dwarf_Addr address, Dwarf_Die*
 
 // The units of a program are many, so that those whose addresses the table has are not looked into.
 void DwarfSymbols::ReadUnits(Module& module) {
-  module.areUnitsKnown = true;
-  std::vector<Dwarf_Off> covered = UnitsInTable(module);
+  module.units.clear();
+  const std::vector<Dwarf_Off> covered = UnitsInTable(module);
   Dwarf_Off header = 0;
   Dwarf_Off next = 0;
   std::size_t headerSize = 0;
@@ -200,6 +201,7 @@ void DwarfSymbols::ReadUnits(Module& module) {
   }
   std::sort(module.units.begin(), module.units.end(),
             [](const UnitRange& a, const UnitRange& b) { return a.begin < b.begin; });
+  module.areUnitsKnown = true;
 }
 
 std::vector<Dwarf_Off> DwarfSymbols::UnitsInTable(const Module& module) const {

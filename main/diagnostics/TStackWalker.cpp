@@ -33,8 +33,14 @@ void AddLines(std::list<std::string>& lines, std::span<const CapturedFrame> fram
 
 TStackWalker::TStackWalker() = default;
 TStackWalker::TStackWalker(const TStackWalker&) = default;
-TStackWalker& TStackWalker::operator=(const TStackWalker&) = default;
 TStackWalker::~TStackWalker() = default;
+
+// All lines or none, where memory runs out.
+TStackWalker& TStackWalker::operator=(const TStackWalker& other) {
+  std::list<std::string> lines = other.m_collected;
+  m_collected.swap(lines);
+  return *this;
+}
 
 // Some libraries' lists take memory even when they are made, so that this can fail outside the walk too.
 bool TStackWalker::GenerateCallstack() noexcept {

@@ -8,6 +8,7 @@
 namespace qilsys::system {
 
 using base::BytesOfRow;
+using base::SingleNumber;
 using base::TakeRow;
 using base::TakeUntil;
 using base::TakeWord;
@@ -62,9 +63,9 @@ constexpr CgroupFiles FilesV2 = {"/memory.max", "/memory.current", "inactive_fil
 
 // A limit of "max" is none.
 CgroupMemory CgroupMemoryFrom(const TextOf& textOf, const std::string& folder, const CgroupFiles& files) {
-  CgroupMemory group{.limit = base::SingleNumber(textOf(folder + files.limit))};
+  CgroupMemory group{.limit = SingleNumber(textOf(folder + files.limit))};
   if (group.limit) {
-    group.usage = base::SingleNumber(textOf(folder + files.usage)).value_or(0);
+    group.usage = SingleNumber(textOf(folder + files.usage)).value_or(0);
     group.reclaimable = ParseStatRow(textOf(folder + "/memory.stat"), files.reclaimableRow).value_or(0);
   }
   return group;

@@ -7,7 +7,7 @@ const std::vector<Operation>& AllOperations() {
     std::vector<Operation> all;
     for (const auto add : {&AddTextMaking, &AddTextReading, &AddTextSearching, &AddTextEditing, &AddTextCutting,
                            &AddUnicode, &AddFormats, &AddScanning, &AddErrors, &AddExceptions, &AddHashing,
-                           &AddSynchronizing, &AddAskingTheSystem, &AddRepository, &AddMonitoring}) {
+                           &AddSynchronizing, &AddAskingTheSystem, &AddRepository, &AddDiagnosing, &AddMonitoring}) {
       add(all);
     }
     return all;

@@ -106,6 +106,7 @@ void AddHashing(std::vector<Operation>& operations);
 void AddSynchronizing(std::vector<Operation>& operations);
 void AddAskingTheSystem(std::vector<Operation>& operations);
 void AddRepository(std::vector<Operation>& operations);
+void AddDiagnosing(std::vector<Operation>& operations);
 void AddMonitoring(std::vector<Operation>& operations);
 
 /// All of them.
