@@ -99,6 +99,17 @@ void BM_JoinStd(benchmark::State& state) {
 }
 BENCHMARK(BM_JoinStd)->Apply(Kinds);
 
+// One field by its number, counted from either end.
+void BM_Section(benchmark::State& state) {
+  const std::u16string units = Fields(state);
+  const TStringCore text = Own(units);
+  const std::vector<std::u16string> fields = StdSplit(units, u',');
+  const int number = state.range(1) != 0 ? 7 : -7;
+  const TStringCore wanted = Own(number < 0 ? fields[fields.size() - 7] : fields[7]);
+  Measure(state, Size, wanted, [&] { return text.section(u',', number, number); });
+}
+BENCHMARK(BM_Section)->ArgNames({"long", "front"})->ArgsProduct({{0, 1}, {0, 1}});
+
 #ifdef QILSYS_BENCHMARK_PEERS
 
 QString QtText(const std::u16string& text) {

@@ -1,5 +1,6 @@
 #include "qilsys/MonitoredProcess.h"
 
+#include <new>
 #include <utility>
 
 #include "monitor/MonitoredProcessImpl.h"
@@ -67,9 +68,13 @@ unsigned int MonitoredProcess::GetProcessId() const { return m_impl->m_pid; }
 
 bool MonitoredProcess::IsRunning() const { return m_impl->m_handle->IsAlive(); }
 
-bool MonitoredProcess::IsRunning(unsigned int pid) {
-  const std::unique_ptr<IProcessHandle> handle = OpenProcessToWait(pid);
-  return handle && handle->IsAlive();
-}
+bool MonitoredProcess::IsRunning(unsigned int pid) { return IsProcessAlive(pid); }
 
-bool MonitoredProcess::IsCpuAtMaxFrequency() { return AllAtMaximum(ReadProcessorClocks()); }
+// Clocks that there is no memory to read are not known.
+bool MonitoredProcess::IsCpuAtMaxFrequency() {
+  try {
+    return AllAtMaximum(ReadProcessorClocks());
+  } catch (const std::bad_alloc&) {
+    return AllAtMaximum({});
+  }
+}

@@ -173,9 +173,13 @@ class OtherProcess : public IProcessHandle {
   TextFile m_status;
 };
 
+bool IsId(std::uintptr_t pid) {
+  return pid != 0 && pid <= static_cast<std::uintptr_t>(std::numeric_limits<pid_t>::max());
+}
+
 /// Null if no process has the id.
 std::unique_ptr<OtherProcess> Open(std::uintptr_t pid) {
-  if (pid == 0 || pid > static_cast<std::uintptr_t>(std::numeric_limits<pid_t>::max())) return nullptr;
+  if (!IsId(pid)) return nullptr;
   auto process = std::make_unique<OtherProcess>(static_cast<pid_t>(pid));
   return process->IsOpen() ? std::move(process) : nullptr;
 }
@@ -190,7 +194,7 @@ std::unique_ptr<IProcessHandle> OpenProcessToWatch(unsigned int pid) {
   return process && process->HasMemory() ? std::move(process) : nullptr;
 }
 
-std::unique_ptr<IProcessHandle> OpenProcessToWait(unsigned int pid) { return Open(pid); }
+bool IsProcessAlive(unsigned int pid) { return IsId(pid) && OtherProcess(static_cast<pid_t>(pid)).IsAlive(); }
 
 unsigned int CountProcessors() {
   const long count = sysconf(_SC_NPROCESSORS_ONLN);

@@ -35,9 +35,9 @@ std::unique_ptr<IProcessHandle> CurrentProcess();
 /// A handle for readings. Null for an id that no process has, or if the caller may not read that process's memory.
 std::unique_ptr<IProcessHandle> OpenProcessToWatch(unsigned int pid);
 
-/// A handle that only `IsAlive` is asked of, where the system grants that more readily. Null for an id that no process
-/// has.
-std::unique_ptr<IProcessHandle> OpenProcessToWait(unsigned int pid);
+/// Whether a process of the id is alive. Asks for less than a reading does, where the system grants that more readily,
+/// and for no memory.
+bool IsProcessAlive(unsigned int pid);
 
 /// The processors of the machine, 0 if they can't be counted.
 unsigned int CountProcessors();

@@ -95,8 +95,10 @@ class ProcessHandle : public IProcessHandle {
 };
 
 // The ids of processes are multiples of four, and the system takes the three numbers behind an id for it.
+bool IsId(unsigned int pid) { return pid % 4 == 0; }
+
 std::unique_ptr<ProcessHandle> Open(DWORD access, unsigned int pid) {
-  if (pid % 4 != 0) return nullptr;
+  if (!IsId(pid)) return nullptr;
   auto handle = std::make_unique<ProcessHandle>(OpenProcess(access, FALSE, pid));
   return handle->IsOpen() ? std::move(handle) : nullptr;
 }
@@ -111,7 +113,11 @@ std::unique_ptr<IProcessHandle> OpenProcessToWatch(unsigned int pid) {
   return handle && handle->IsAlive() ? std::move(handle) : nullptr;
 }
 
-std::unique_ptr<IProcessHandle> OpenProcessToWait(unsigned int pid) { return Open(AccessToWait, pid); }
+bool IsProcessAlive(unsigned int pid) {
+  if (!IsId(pid)) return false;
+  const ProcessHandle process(OpenProcess(AccessToWait, FALSE, pid));
+  return process.IsOpen() && process.IsAlive();
+}
 
 // Of all groups: a process may run on each, while GetSystemInfo counts those of one, which are at most 64.
 unsigned int CountProcessors() { return GetActiveProcessorCount(ALL_PROCESSOR_GROUPS); }

@@ -1,19 +1,10 @@
 /// The fields of a text between separators: walked once, whatever is made of them.
 #pragma once
 
-#include <vector>
-
 #include "search/Search.h"
 #include "units/UnitScan.h"
 
 namespace qilsys::search {
-
-/// Where a field stands in its text.
-struct FieldSpan {
-  int offset;
-  int length;
-  bool operator==(const FieldSpan&) const = default;
-};
 
 /// Calls `field(offset, length)` for each field, the empty ones too. There is one more than there are separators.
 template <class Field>
@@ -37,8 +28,13 @@ void eachField(const TCodeUnit* text, int len, const TCodeUnit* sep, int sepLen,
   field(offset, len - offset);
 }
 
-/// The fields of `text`; none when text or separator is null or the separator measures 0.
-std::vector<FieldSpan> findSpans(const TCodeUnit* text, int len, const TCodeUnit* sep, bool dropEmpty,
-                                 CaseSensitivity cs);
+/// As above, without the empty fields where `dropEmpty` says so.
+template <class Field>
+void eachField(const TCodeUnit* text, int len, const TCodeUnit* sep, int sepLen, bool dropEmpty, CaseSensitivity cs,
+               Field field) {
+  eachField(text, len, sep, sepLen, cs, [&](int offset, int length) {
+    if (length != 0 || !dropEmpty) field(offset, length);
+  });
+}
 
 }  // namespace qilsys::search

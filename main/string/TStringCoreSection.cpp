@@ -1,8 +1,6 @@
 // Fields by number.
 #include "qilsys/TStringCore.h"
 
-#include <algorithm>
-
 #include "search/Fields.h"
 #include "search/Search.h"
 #include "units/TextLength.h"
@@ -11,13 +9,48 @@ namespace search = qilsys::search;
 
 namespace {
 
-using Spans = std::vector<search::FieldSpan>;
+// Where the fields of two numbers stand; -1 for one that there is not.
+struct Section {
+  int start = -1;
+  int end = -1;
+};
 
-// Resolves a field number, where a negative one counts from the end; -1 when there is no such field.
-int fieldIndex(int number, const Spans& fields) {
-  const int count = static_cast<int>(fields.size());
-  if (number < 0) number += count;
-  return number < count ? std::max(number, -1) : -1;
+// The fields of a text. They are walked over and not kept, so that no list of them needs memory.
+struct Fields {
+  const TCodeUnit* text;
+  int len;
+  const TCodeUnit* sep;
+  int sepLen;
+  bool dropEmpty;
+  search::CaseSensitivity cs;
+};
+
+template <class Field>
+void EachField(const Fields& f, Field field) {
+  search::eachField(f.text, f.len, f.sep, f.sepLen, f.dropEmpty, f.cs, field);
+}
+
+int CountFields(const Fields& f) {
+  const bool isPlain = f.sepLen == 1 && f.cs == TStringOptions::CaseSensitive && !f.dropEmpty;
+  if (isPlain) return search::countUnit(f.text, f.len, f.sep[0]) + 1;
+  int count = 0;
+  EachField(f, [&](int, int) { ++count; });
+  return count;
+}
+
+// Negative numbers count from the end.
+Section FindSection(const Fields& fields, int first, int last) {
+  const int count = first < 0 || last < 0 ? CountFields(fields) : 0;
+  if (first < 0) first += count;
+  if (last < 0) last += count;
+  Section section;
+  int number = 0;
+  EachField(fields, [&](int offset, int length) {
+    if (number == first) section.start = offset;
+    if (number == last) section.end = offset + length;
+    ++number;
+  });
+  return section;
 }
 
 }  // namespace
@@ -36,15 +69,12 @@ TStringCore TStringCore::section(const TCodeUnit* text, int len, const TCodeUnit
   if (text == nullptr || len == 0 || *text == 0 || sep == nullptr || *sep == 0) return TStringCore();
   if (len < 0) len = qilsys::units::TerminatedLength(text);
   const CaseSensitivity cs = (flags & SectionFoldSeparator) != 0 ? CaseInsensitive : CaseSensitive;
-  const Spans fields = search::findSpans(text, len, sep, (flags & SectionDropEmpty) != 0, cs);
-  first = fieldIndex(first, fields);
-  last = fieldIndex(last, fields);
-  if (first < 0 || last < 0) return TStringCore();
-
   const int sepLen = qilsys::units::TerminatedLength(sep);
-  const search::FieldSpan& lastField = fields[static_cast<std::size_t>(last)];
-  const int end = lastField.offset + lastField.length;
-  int start = fields[static_cast<std::size_t>(first)].offset;
+  const Fields fields{text, len, sep, sepLen, (flags & SectionDropEmpty) != 0, cs};
+  const auto [begin, end] = FindSection(fields, first, last);
+  if (begin < 0 || end < 0) return TStringCore();
+
+  int start = begin;
   if ((flags & SectionWithLeadingSeparator) != 0 && start >= sepLen) start -= sepLen;
   int count = end - start;
   if ((flags & SectionWithTrailingSeparator) != 0 && sepLen <= len - end) count += sepLen;

@@ -63,8 +63,13 @@ unsigned int TSystem::AppUpTime() {
   return static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<double>(count) * Factor));
 }
 
+// The system's text comes by way of a std::string, whose end of memory is told as that of any text.
 TStringCore TSystem::GetLastErrorString() {
-  return TStringCore::fromStdString(qilsys::base::SystemErrorText(qilsys::base::LastSystemError()));
+  try {
+    return TStringCore::fromStdString(qilsys::base::SystemErrorText(qilsys::base::LastSystemError()));
+  } catch (const std::bad_alloc&) {
+    throw TStringCore::OutOfMemoryException();
+  }
 }
 
 TStringCore TSystem::unmangleClassName(char const* name) { return TStringCore::fromUtf8(name); }
