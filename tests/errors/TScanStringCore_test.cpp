@@ -521,7 +521,7 @@ TEST(TScanStringCoreMemory, ThatEndsWhileATokenIsReadMovesNothing) {
 }
 
 // An index has 32 bits, and no string is longer than 0x7FFFFFF7 units.
-TEST(TScanStringCoreMemory, EndsBeforeAnIndexThatNoStringHas) {
+TEST(TScanStringCoreLimits, EndBeforeAnIndexThatNoStringHas) {
   constexpr int Longest = 0x7FFFFFF7;
   const RepeatedBytes bytes((std::size_t{Longest} + 1) * 2 + 8, 'x');
   TScanStringCore scan(reinterpret_cast<const TCodeUnit*>(bytes.data()));
