@@ -58,5 +58,8 @@ class FunctionReporter;  // ResourceReporter.h
 class TStackWalker;
 class StackWalkerConfig;  // TStackWalker.h
 
+// Paths
+class TPathCore;
+
 // Hashing
 class sha2;

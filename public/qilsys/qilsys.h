@@ -25,6 +25,7 @@
 #include "qilsys/TLocks.h"
 #include "qilsys/TMath.h"
 #include "qilsys/TMemory.h"
+#include "qilsys/TPathCore.h"
 #include "qilsys/TScanStringCore.h"
 #include "qilsys/TSemaphore.h"
 #include "qilsys/TStackWalker.h"

@@ -20,7 +20,7 @@ STANDS_ON = {
     'hash': ['string'],
     'synchronize': ['errors'],
     'diagnostics': ['errors'],
-    'paths': ['diagnostics'],
+    'paths': ['diagnostics', 'hash'],
     'system': ['synchronize', 'paths'],
     'accounting': ['system'],
     'thread': ['system'],
