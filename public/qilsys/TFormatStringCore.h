@@ -20,6 +20,16 @@
 #include "qilsys/TForeignText.h"
 #include "qilsys/TStringCore.h"
 
+namespace qilsys {
+
+/// What a message shows in its generic form, whatever it converts to: a path.
+template <class T>
+concept ShownGenerically = requires(const T& value) {
+  { value.GenericString() } -> std::same_as<TStringCore>;
+};
+
+}  // namespace qilsys
+
 /// A template and its parameters. A value: `result` and `formatString` may run at once on one object, everything else
 /// needs exclusive use.
 class QILSYS_API TFormatStringCore {
@@ -69,12 +79,22 @@ class QILSYS_API TFormatStringCore {
   /// Appends one character as a text of its own.
   TFormatStringCore& arg(TCodeUnit a, int fieldWidth = 0, TCodeUnit fill = u' ');
 
+  /// Appends a path, as text in its generic form.
+  template <qilsys::ShownGenerically P>
+  TFormatStringCore& arg(const P& a, int fieldWidth = 0) {
+    return arg(a.GenericString(), fieldWidth);
+  }
+  template <qilsys::ShownGenerically P, std::integral Fill>
+  TFormatStringCore& arg(const P& a, int fieldWidth, Fill fill) {
+    return arg(a.GenericString(), fieldWidth, fill);
+  }
+
   /// Appends two to ten texts in order, unpadded; all of them or none.
   template <class... Texts>
     requires(sizeof...(Texts) >= 2 && sizeof...(Texts) <= 10 && (std::convertible_to<const Texts&, TStringCore> && ...))
   TFormatStringCore& arg(const Texts&... texts) {
     // A text that has to be converted lives to the end of the call.
-    return append({&static_cast<const TStringCore&>(texts)...});
+    return append({&static_cast<const TStringCore&>(Shown(texts))...});
   }
   /// Replaces all parameters by these. The other forms append.
   TFormatStringCore& arg(const std::vector<TStringCore>& all);
@@ -126,6 +146,15 @@ class QILSYS_API TFormatStringCore {
     std::int32_t length;
     std::int32_t number;
   };
+
+  template <class T>
+  static const T& Shown(const T& text) {
+    return text;
+  }
+  template <qilsys::ShownGenerically P>
+  static TStringCore Shown(const P& path) {
+    return path.GenericString();
+  }
 
   void scanForMarkers();
   int scanMarker(int position);
