@@ -255,7 +255,7 @@ class QILSYS_API TPathCore::iterator {
 inline TPathCore::iterator TPathCore::begin() const { return {*this, 0}; }
 inline TPathCore::iterator TPathCore::end() const { return {*this, -1}; }
 
-/// What walking a path raises.
+/// What walking a path raises, and taking it to the C++ library and back (TPathFilesystem.h).
 class QILSYS_API TPathCore::Exception : public QuillonException {
  public:
   /// With `includeStack`, and while TStackWalker is active, the frames of the calling thread follow as messages.

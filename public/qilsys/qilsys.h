@@ -26,6 +26,7 @@
 #include "qilsys/TMath.h"
 #include "qilsys/TMemory.h"
 #include "qilsys/TPathCore.h"
+#include "qilsys/TPathFilesystem.h"
 #include "qilsys/TScanStringCore.h"
 #include "qilsys/TSemaphore.h"
 #include "qilsys/TStackWalker.h"
