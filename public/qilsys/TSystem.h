@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "qilsys/Export.h"
+#include "qilsys/TPathCore.h"
 #include "qilsys/TStringCore.h"
 
 namespace TSystem {
@@ -36,6 +37,20 @@ QILSYS_API std::function<bool()> SetDesktopMainThreadFunc(std::function<bool()> 
 
 /// The charset of the process's 8-bit text, such as "UTF-8". The same pointer on every call.
 QILSYS_API char const* Local8BitEncoding();
+
+// Where the files of the running program and its modules lie; paths of any length. Empty where there is none, or where
+// the system can't tell. A module may be gone by the time its path is read: nothing here keeps one loaded.
+
+/// The folder of the running program, or its file where that has no parent.
+QILSYS_API TPathCore ExecutablePath();
+QILSYS_API TPathCore ExecutableFilename();
+/// The file of the module, of the program or of a library, that has `address` in it; of the program for null.
+QILSYS_API TPathCore ModuleFilename(void const* address);
+/// The folder of that file, or the file where that has no parent.
+QILSYS_API TPathCore ModuleDirectory(void const* address);
+/// The file of a loaded module by its filename; all else of `path` counts for nothing. Windows ignores case, and takes
+/// the filename without ".dll".
+QILSYS_API TPathCore ModulePath(TPathCore const& path);
 
 /// Figures of now. Where the system gives none, all are zero but the used memory, which is 1, and the size of a page.
 QILSYS_API MemoryInfo Memory() noexcept;
