@@ -5,9 +5,10 @@ namespace qilsys::test::sweep {
 const std::vector<Operation>& AllOperations() {
   static const std::vector<Operation> Operations = [] {
     std::vector<Operation> all;
-    for (const auto add : {&AddTextMaking, &AddTextReading, &AddTextSearching, &AddTextEditing, &AddTextCutting,
-                           &AddUnicode, &AddFormats, &AddScanning, &AddErrors, &AddExceptions, &AddHashing,
-                           &AddSynchronizing, &AddAskingTheSystem, &AddRepository, &AddDiagnosing, &AddMonitoring}) {
+    for (const auto add :
+         {&AddTextMaking, &AddTextReading, &AddTextSearching, &AddTextEditing, &AddTextCutting, &AddUnicode,
+          &AddFormats, &AddScanning, &AddErrors, &AddExceptions, &AddHashing, &AddSynchronizing, &AddAskingTheSystem,
+          &AddRepository, &AddDiagnosing, &AddMonitoring, &AddPaths}) {
       add(all);
     }
     return all;

@@ -108,6 +108,7 @@ void AddAskingTheSystem(std::vector<Operation>& operations);
 void AddRepository(std::vector<Operation>& operations);
 void AddDiagnosing(std::vector<Operation>& operations);
 void AddMonitoring(std::vector<Operation>& operations);
+void AddPaths(std::vector<Operation>& operations);
 
 /// All of them.
 const std::vector<Operation>& AllOperations();
