@@ -1,7 +1,6 @@
 #include "paths/PathElements.h"
 
 #include "paths/PathFailure.h"
-#include "paths/PathParts.h"
 
 namespace qilsys::paths {
 
@@ -13,26 +12,24 @@ int NameFrom(const TStringCore& path, int position) {
   return position < path.length() ? position : -1;
 }
 
-int FollowingPosition(const TStringCore& path, int position, int end) {
+int FollowingPosition(const TStringCore& path, const Root& root, int position, int end) {
   if (end < 0) return end;
   if (end >= path.length()) {
     Fail("TPathCore::iterator::locateNextElement element end position is out of range.", 0x38CA4808,
          "QuillonException_AutoGen_0x38CA4808");
   }
-  const int rootName = RootNameLength(path);
-  return position == rootName || end == rootName ? end : NameFrom(path, end);
+  return position == root.nameLength || end == root.nameLength ? end : NameFrom(path, end);
 }
 
 }  // namespace
 
-int ElementEnd(const TStringCore& path, int position) {
-  const int rootName = RootNameLength(path);
-  if (position == 0 && rootName > 0) return rootName;
+int ElementEnd(const TStringCore& path, const Root& root, int position) {
+  if (position == 0 && root.nameLength > 0) return root.nameLength;
   if (position != 0 && !IsInside(path, position)) {
     Fail("TPathCore::iterator::locateElementEnd element starting position is out of range.", 0x9E82DC54,
          "QuillonException_AutoGen_0x9E82DC54");
   }
-  if (position == RootDirectoryPosition(path)) return position + 1;
+  if (position == root.directoryPosition) return position + 1;
   return path.indexOf(Separator, position);
 }
 
@@ -40,11 +37,11 @@ TStringCore ElementText(const TStringCore& path, int position, int end) {
   return end > position ? Between(path, position, end) : From(path, position);
 }
 
-int NextElement(const TStringCore& path, int position, int end) {
+int NextElement(const TStringCore& path, const Root& root, int position, int end) {
   if (!IsInside(path, position)) {
     Fail("Invalid position in TPathCore::iterator::nextElement.", 0xA22179A7, "QuillonException_AutoGen_0xA22179A7");
   }
-  return FollowingPosition(path, position, end);
+  return FollowingPosition(path, root, position, end);
 }
 
 }  // namespace qilsys::paths

@@ -7,18 +7,20 @@
 /// and callers go by it.
 #pragma once
 
+#include "paths/PathParts.h"
 #include "qilsys/TStringCore.h"
 
 namespace qilsys::paths {
 
-/// Just past the element that begins at `position`, -1 where it runs to the end of the path.
-int ElementEnd(const TStringCore& path, int position);
+/// Just past the element that begins at `position`, -1 where it runs to the end of the path. `root` is the path's, here
+/// and below.
+int ElementEnd(const TStringCore& path, const Root& root, int position);
 
 /// The text of the element between these: to the end of the path where `end` does not lie beyond `position`.
 TStringCore ElementText(const TStringCore& path, int position, int end);
 
 /// Where the element behind this one begins, -1 where there is none.
-int NextElement(const TStringCore& path, int position, int end);
+int NextElement(const TStringCore& path, const Root& root, int position, int end);
 
 /// Whether an element may stand there.
 inline bool IsInside(const TStringCore& path, int position) { return position >= 0 && position < path.length(); }
@@ -26,10 +28,11 @@ inline bool IsInside(const TStringCore& path, int position) { return position >=
 /// Calls `visit(position, end)` for each element. Raises where the iterator does.
 template <class Visit>
 void ForEachElement(const TStringCore& path, Visit visit) {
+  const Root root = RootOf(path);
   for (int position = path.empty() ? -1 : 0; position >= 0;) {
-    const int end = ElementEnd(path, position);
+    const int end = ElementEnd(path, root, position);
     visit(position, end);
-    position = NextElement(path, position, end);
+    position = NextElement(path, root, position, end);
   }
 }
 

@@ -66,15 +66,17 @@ int RootNameLength(const TStringCore& path) {
   return IsUNC(path) ? EndOfName(path, 2) : 0;
 }
 
-int RootDirectoryPosition(const TStringCore& path) {
-  const int position = RootNameLength(path);
+Root RootOf(const TStringCore& path) {
+  const int nameLength = RootNameLength(path);
   // The terminator is none.
-  return path.constData()[position] == Separator ? position : -1;
+  return {nameLength, path.constData()[nameLength] == Separator ? nameLength : -1};
 }
 
+int RootDirectoryPosition(const TStringCore& path) { return RootOf(path).directoryPosition; }
+
 int RootPathLength(const TStringCore& path) {
-  const int directory = RootDirectoryPosition(path);
-  return directory < 0 ? RootNameLength(path) : directory + 1;
+  const Root root = RootOf(path);
+  return root.directoryPosition < 0 ? root.nameLength : root.directoryPosition + 1;
 }
 
 int FilenamePosition(const TStringCore& path) {

@@ -18,6 +18,12 @@ bool IsExtendedLength(const TStringCore& path);
 /// The root of a share, in either form: "//server", "//?/UNC/server".
 bool IsUNC(const TStringCore& path);
 
+/// The root of a path: what the other parts are told by, again and again.
+struct Root {
+  int nameLength;
+  int directoryPosition;
+};
+Root RootOf(const TStringCore& path);
 int RootNameLength(const TStringCore& path);
 int RootDirectoryPosition(const TStringCore& path);
 /// Root name and root directory.

@@ -75,7 +75,7 @@ std::size_t std::hash<TPathCore>::operator()(const TPathCore& path) const noexce
   while (unit != end) {
     TCodeUnit folded[256];
     const std::ptrdiff_t count = std::min<std::ptrdiff_t>(end - unit, std::ssize(folded));
-    std::transform(unit, unit + count, folded, qilsys::units::foldCodeUnit);
+    std::transform(unit, unit + count, folded, [](TCodeUnit u) { return qilsys::units::foldCodeUnit(u); });
     sum = THash64(folded, static_cast<unsigned long long>(count) * sizeof(TCodeUnit), sum);
     unit += count;
   }

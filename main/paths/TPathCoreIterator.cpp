@@ -23,11 +23,11 @@ namespace {
 // ---- The iterator
 
 TPathCore::iterator::iterator(const TPathCore& path, int position)
-    : m_path(&path), m_element(ElementAt(path.empty() ? -1 : position)) {}
+    : m_path(&path), m_element(ElementAt(RootOf(path.m_text), path.empty() ? -1 : position)) {}
 
-TPathCore::iterator::Element TPathCore::iterator::ElementAt(int position) const {
+TPathCore::iterator::Element TPathCore::iterator::ElementAt(const Root& root, int position) const {
   if (position < 0) return {position, position, {}};
-  const int end = ElementEnd(m_path->m_text, position);
+  const int end = ElementEnd(m_path->m_text, root, position);
   return {position, end, ElementText(m_path->m_text, position, end)};
 }
 
@@ -49,7 +49,8 @@ TPathCore::iterator& TPathCore::iterator::operator++() {
   if (!IsInside(m_path->m_text, m_element.position)) {
     Fail("TPathCore::iterator trying to increment beyond end.", 0x24209A38, "QuillonException_AutoGen_0x24209A38");
   }
-  m_element = ElementAt(NextElement(m_path->m_text, m_element.position, m_element.end));
+  const Root root = RootOf(m_path->m_text);
+  m_element = ElementAt(root, NextElement(m_path->m_text, root, m_element.position, m_element.end));
   return *this;
 }
 

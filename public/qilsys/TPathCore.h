@@ -35,6 +35,10 @@
 
 class TPathCore;
 
+namespace qilsys::paths {
+struct Root;
+}  // namespace qilsys::paths
+
 namespace qilsys {
 
 /// What can stand beside a path in a comparison: text of either unit type or of UTF-8, and what converts to text.
@@ -246,7 +250,7 @@ class QILSYS_API TPathCore::iterator {
   };
 
   iterator(const TPathCore& path, int position);
-  Element ElementAt(int position) const;
+  Element ElementAt(const qilsys::paths::Root& root, int position) const;
 
   const TPathCore* m_path;
   Element m_element;

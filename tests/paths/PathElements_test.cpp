@@ -13,24 +13,24 @@ namespace {
 
 TEST(PathElements, BeginInsideThePath) {
   const TStringCore path(u"c:/a");
-  EXPECT_EQ(ElementEnd(path, 0), 2);
-  EXPECT_EQ(ElementEnd(path, 2), 3);
-  EXPECT_EQ(ElementEnd(path, 3), -1);
-  EXPECT_TRUE(FailsBy(StartOutOfRange, [&] { ElementEnd(path, 4); }));
-  EXPECT_TRUE(FailsBy(StartOutOfRange, [&] { ElementEnd(path, 5); }));
-  EXPECT_TRUE(FailsBy(StartOutOfRange, [&] { ElementEnd(path, -1); }));
+  EXPECT_EQ(ElementEnd(path, RootOf(path), 0), 2);
+  EXPECT_EQ(ElementEnd(path, RootOf(path), 2), 3);
+  EXPECT_EQ(ElementEnd(path, RootOf(path), 3), -1);
+  EXPECT_TRUE(FailsBy(StartOutOfRange, [&] { ElementEnd(path, RootOf(path), 4); }));
+  EXPECT_TRUE(FailsBy(StartOutOfRange, [&] { ElementEnd(path, RootOf(path), 5); }));
+  EXPECT_TRUE(FailsBy(StartOutOfRange, [&] { ElementEnd(path, RootOf(path), -1); }));
 }
 
-TEST(PathElements, MayBeginAtTheVeryStartOfNothing) { EXPECT_EQ(ElementEnd(TStringCore(), 0), -1); }
+TEST(PathElements, MayBeginAtTheVeryStartOfNothing) { EXPECT_EQ(ElementEnd(TStringCore(), Root{0, -1}, 0), -1); }
 
 TEST(PathElements, AreFollowedFromInsideThePath) {
   const TStringCore path(u"c:/a");
-  EXPECT_EQ(NextElement(path, 0, 2), 2);
-  EXPECT_EQ(NextElement(path, 2, 3), 3);
-  EXPECT_EQ(NextElement(path, 3, -1), -1);
-  EXPECT_TRUE(FailsBy(InvalidPosition, [&] { NextElement(path, -1, -1); }));
-  EXPECT_TRUE(FailsBy(InvalidPosition, [&] { NextElement(path, 4, -1); }));
-  EXPECT_TRUE(FailsBy(EndOutOfRange, [&] { NextElement(path, 3, 4); }));
+  EXPECT_EQ(NextElement(path, RootOf(path), 0, 2), 2);
+  EXPECT_EQ(NextElement(path, RootOf(path), 2, 3), 3);
+  EXPECT_EQ(NextElement(path, RootOf(path), 3, -1), -1);
+  EXPECT_TRUE(FailsBy(InvalidPosition, [&] { NextElement(path, RootOf(path), -1, -1); }));
+  EXPECT_TRUE(FailsBy(InvalidPosition, [&] { NextElement(path, RootOf(path), 4, -1); }));
+  EXPECT_TRUE(FailsBy(EndOutOfRange, [&] { NextElement(path, RootOf(path), 3, 4); }));
 }
 
 TEST(PathElements, EndWhereTheyDoNotLieBehindTheirStart) {
