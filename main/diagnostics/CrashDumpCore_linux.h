@@ -19,7 +19,7 @@ struct DumpRequest {
   pid_t firstThread = 0;
   /// An empty file that can be written.
   int file = -1;
-  DumpContent content;
+  DumpContent content = {};
 };
 
 enum class DumpOutcome {

@@ -17,7 +17,7 @@ struct Mapping {
   /// Where in the file it begins.
   std::uint64_t offset = 0;
   /// The file, or a name in brackets, as the kernel writes it; a part of the text that was read. Empty for memory without.
-  std::string_view name;
+  std::string_view name = {};
   bool isReadable = false;
   bool isWritable = false;
   bool isExecutable = false;
@@ -36,7 +36,7 @@ std::pmr::vector<Mapping> ParseMappings(std::string_view text, std::pmr::memory_
 /// Of a process, as /proc/PID/stat tells it.
 struct ProcessStat {
   /// The name of the program, as the kernel cuts it.
-  std::string_view name;
+  std::string_view name = {};
   char state = '?';
   int parent = 0;
   int group = 0;

@@ -1,7 +1,7 @@
 // A program that gets dumped: its threads rest in functions of their own, each with a variable that a debugger can show.
 // It is built without optimisation and with all debug information.
 //
-//   dump_target rest                        rests until its input ends
+//   dump_target rest                        rests until it is written to, or its input ends
 //   dump_target reserve                     does so with 2 GiB of memory that nobody has touched
 //   dump_target dump PATH TYPE              dumps itself while the others rest
 //   dump_target churn PATH TYPE             dumps itself while 24 threads begin and end all the time
@@ -36,31 +36,35 @@ void Say(std::string_view text) {
 
 // With names and variables of their own, so that no two of them can be taken for each other.
 
+// Somebody wants to know a variable to the end.
+void Keep(const volatile int&) {}
+
 void RestOfTheBaker() {
   volatile int loaves = 1101;
   g_allRest.CountDown();
   g_mayGoOn.Wait();
-  loaves = 0;
+  Keep(loaves);
 }
 
 void RestOfTheMiller() {
   volatile int sacks = 2202;
   g_allRest.CountDown();
   g_mayGoOn.Wait();
-  sacks = 0;
+  Keep(sacks);
 }
 
 void RestOfTheTailor() {
   volatile int stitches = 3303;
   g_allRest.CountDown();
   g_mayGoOn.Wait();
-  stitches = 0;
+  Keep(stitches);
 }
 
-void WaitForEndOfInput() {
+void RestOfTheMain() {
   volatile int letters = 4404;
   Say("ready");
-  while (std::getchar() != EOF) letters = letters + 1;
+  std::getchar();
+  Keep(letters);
 }
 
 int DumpOfTheMain(const std::string& path, _MINIDUMP_TYPE type) {
@@ -121,12 +125,12 @@ void SayResult(int result) { Say(result != 0 ? "dumped" : "failed"); }
 int Run(const std::vector<std::string>& words) {
   const RestingThreads resting;
   if (words.size() == 1 && words[0] == "rest") {
-    WaitForEndOfInput();
+    RestOfTheMain();
     return 0;
   }
   if (words.size() == 1 && words[0] == "reserve") {
     const std::unique_ptr<void, decltype(&std::free)> reserved(std::malloc(std::size_t{1} << 31), &std::free);
-    WaitForEndOfInput();
+    RestOfTheMain();
     return reserved ? 0 : 1;
   }
   if (words.size() != 3) return 2;
