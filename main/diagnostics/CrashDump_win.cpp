@@ -7,9 +7,6 @@ namespace qilsys::diagnostics {
 
 namespace {
 
-// That library serves one thread at a time.
-constinit std::mutex g_oneAtATime;
-
 /// Closed on every way out, also when an exception passes.
 class OpenHandle {
  public:
@@ -66,7 +63,9 @@ int WriteForeignCrashDump(void* process, unsigned long processId, const TForeign
 
 int WriteCrashDump(void* process, unsigned long processId, const TCodeUnit* path, _MINIDUMP_TYPE type) {
   using namespace qilsys::diagnostics;
-  const std::lock_guard lock(g_oneAtATime);
+  // That library serves one thread at a time.
+  static std::mutex s_oneAtATime;
+  const std::lock_guard lock(s_oneAtATime);
   static const DumpCalls s_calls = LoadCalls();
   return WriteDump(s_calls, process, processId, path, type);
 }

@@ -78,8 +78,8 @@ TEST_F(AddModules, AddsHeadersDynamicSectionAndEveryElement) {
   EXPECT_TRUE(Holds(ranges, {0x10040, 0x10040 + 112})) << "headers";
   EXPECT_TRUE(Holds(ranges, {0x12000, 0x12020})) << "dynamic section up to the entry";
   EXPECT_TRUE(Holds(ranges, {0x700000, 0x700028})) << "head of the list";
-  for (const std::uint64_t at : {0x800000, 0x800100, 0x800200}) EXPECT_TRUE(Holds(ranges, {at, at + 40})) << at;
-  for (const std::uint64_t name : {0x900000, 0x900010}) EXPECT_TRUE(Holds(ranges, {name, name + 1024})) << name;
+  for (const std::uint64_t at : {0x800000u, 0x800100u, 0x800200u}) EXPECT_TRUE(Holds(ranges, {at, at + 40})) << at;
+  for (const std::uint64_t name : {0x900000u, 0x900010u}) EXPECT_TRUE(Holds(ranges, {name, name + 1024})) << name;
   EXPECT_EQ(ranges.size(), 8u);
 }
 
@@ -90,7 +90,7 @@ TEST_F(AddModules, AProgramThatIsLoadedWhereItWasLinkedToNeedsNoHeaderOfHeaders)
 }
 
 TEST_F(AddModules, WithoutHeadersThereIsNothing) {
-  for (const std::size_t wrong : {3, 5, 7}) {
+  for (const std::size_t wrong : {3u, 5u, 7u}) {
     auto auxiliary = m_auxiliary;
     std::swap(auxiliary, m_auxiliary);
     m_auxiliary[wrong] = wrong == 7 ? 5000 : 0;

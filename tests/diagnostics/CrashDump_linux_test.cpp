@@ -317,6 +317,15 @@ constexpr IdRow Ids[] = {{"Zero", 0},
 
 INSTANTIATE_TEST_SUITE_P(Rows, CrashDumpId, testing::ValuesIn(Ids), RowName<IdRow>);
 
+TEST(CrashDumpProcess, ThatHasEndedLeavesNothing) {
+  const DumpFolder folder;
+  DumpTarget target({"rest"});
+  ASSERT_TRUE(target.Says("ready"));
+  target.Process().KillUnreaped();
+  EXPECT_EQ(Dump(target.Process().Pid(), folder / "gone.core"), 0);
+  EXPECT_EQ(folder.Names(), std::vector<std::string>());
+}
+
 TEST(CrashDumpProcess, OfUntouchedMemoryGivesASmallFile) {
   const DumpFolder folder;
   DumpTarget target({"reserve"});
