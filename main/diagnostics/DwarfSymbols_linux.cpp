@@ -88,6 +88,7 @@ Dwfl_Module* DwarfSymbols::FindModule(std::uint64_t lookUp) {
 }
 
 void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
+  RequireSomeMemory();
   const Uncancelled uncancelled;
   Dwfl_Module* const handle = FindModule(lookUp);
   if (!handle) return;
@@ -102,6 +103,7 @@ void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
 }
 
 void DwarfSymbols::FindLine(std::uint64_t lookUp, StackFrameInfo& frame) {
+  RequireSomeMemory();
   const Uncancelled uncancelled;
   Dwfl_Module* const handle = FindModule(lookUp);
   if (!handle) return;

@@ -50,4 +50,8 @@ struct LibDw {
 /// the four libraries that it brings along it would make every program start 0.4 ms later, and only those pay that walk.
 const LibDw* TheLibDw() noexcept;
 
+/// Throws std::bad_alloc where memory is all but gone. To be called before libdw: with a thread's first step into a library
+/// that was opened late, the loader takes memory for its thread-local variables, and ends the process if there is none.
+void RequireSomeMemory();
+
 }  // namespace qilsys::diagnostics
