@@ -20,7 +20,7 @@ namespace {
 struct LibDwOutOfMemory : std::bad_alloc {};
 
 // Where libdw finds no memory for what it keeps, it would end the process. It holds no lock at that place.
-[[noreturn]] void RaiseOutOfMemory() { throw LibDwOutOfMemory(); }
+const Dwarf_OOM OutOfMemoryHandler = [] { throw LibDwOutOfMemory(); };
 
 struct Free {
   void operator()(char* text) const { std::free(text); }
@@ -158,7 +158,7 @@ void DwarfSymbols::OpenDwarf(Dwfl_Module* handle, Module& module) {
   Elf* const elf = m_dw.dwfl_module_getelf(handle, &bias);
   if (!elf || module.isCompressed || IsCompressed(m_dw, elf)) return;
   module.dwarf = m_dw.dwfl_module_getdwarf(handle, &module.bias);
-  if (module.dwarf) m_dw.dwarf_new_oom_handler(module.dwarf, &RaiseOutOfMemory);
+  if (module.dwarf) m_dw.dwarf_new_oom_handler(module.dwarf, OutOfMemoryHandler);
 }
 
 void DwarfSymbols::FindLine(Module& module, Dwarf_Addr address, StackFrameInfo& frame) {
@@ -220,6 +220,7 @@ std::vector<Dwarf_Off> DwarfSymbols::UnitsInTable(const Module& module) const {
 }
 
 void DwarfSymbols::ReadRanges(Module& module, Dwarf_Off unit) {
+  RequireSomeMemory();
   Dwarf_Die die;
   if (!m_dw.dwarf_offdie(module.dwarf, unit, &die)) return;
   Dwarf_Addr base = 0;

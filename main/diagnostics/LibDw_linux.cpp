@@ -3,9 +3,10 @@
 
 #include <dlfcn.h>
 
+#include <atomic>
 #include <cstddef>
+#include <memory>
 #include <new>
-#include <optional>
 
 namespace qilsys::diagnostics {
 
@@ -42,18 +43,33 @@ bool FindElf(void* library, LibDw& dw) {
 
 #undef QILSYS_FIND
 
-std::optional<LibDw> OpenLibDw() noexcept {
-  LibDw dw;
+// Stands for a library that is not there.
+constexpr LibDw None{};
+
+const LibDw* OpenLibDw() {
+  RequireSomeMemory();
+  auto dw = std::make_unique<LibDw>();
   void* const library = dlopen("libdw.so.1", RTLD_NOW | RTLD_LOCAL);
-  if (library && FindDwfl(library, dw) && FindDwarf(library, dw) && FindElf(library, dw)) return dw;
-  return std::nullopt;
+  const bool isWhole = library && FindDwfl(library, *dw) && FindDwarf(library, *dw) && FindElf(library, *dw);
+  return isWhole ? dw.release() : &None;
 }
 
 }  // namespace
 
-const LibDw* TheLibDw() noexcept {
-  static const std::optional<LibDw> s_dw = OpenLibDw();
-  return s_dw ? &*s_dw : nullptr;
+// Several threads may come to open it at once, and one of them gets to keep its table: a lock here, and that of the loader,
+// would be taken in either order.
+const LibDw* TheLibDw() {
+  static std::atomic<const LibDw*> s_dw = nullptr;
+  const LibDw* dw = s_dw;
+  if (!dw) {
+    const LibDw* const opened = OpenLibDw();
+    if (s_dw.compare_exchange_strong(dw, opened)) {
+      dw = opened;
+    } else if (opened != &None) {
+      delete opened;
+    }
+  }
+  return dw == &None ? nullptr : dw;
 }
 
 // Much more than the loader will ask for. Called by their names, the operators are not left out by compilers.

@@ -48,7 +48,8 @@ struct LibDw {
 
 /// Null where the system has none, or one without these functions. libdw is opened by the first call, not linked: with
 /// the four libraries that it brings along it would make every program start 0.4 ms later, and only those pay that walk.
-const LibDw* TheLibDw() noexcept;
+/// Throws std::bad_alloc, and opens it another time.
+const LibDw* TheLibDw();
 
 /// Throws std::bad_alloc where memory is all but gone. To be called before libdw: with a thread's first step into a library
 /// that was opened late, the loader takes memory for its thread-local variables, and ends the process if there is none.

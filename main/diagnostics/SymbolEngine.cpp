@@ -35,11 +35,7 @@ SymbolEngine& SymbolEngine::Instance() {
 SymbolEngine::SymbolEngine(std::unique_ptr<ISymbolSource> (*makeSource)()) : m_makeSource(makeSource) {}
 
 StackFrameInfo SymbolEngine::Resolve(const CapturedFrame& frame, bool withLine) {
-  StackFrameInfo info;
-  {
-    const std::lock_guard lock(m_mutex);
-    if (const Known* const known = Find(frame.lookUp, withLine)) info = known->frame;
-  }
+  StackFrameInfo info = Find(frame.lookUp, withLine);
   info.m_address = frame.address;
   if (!withLine) {
     info.m_fileName.clear();
@@ -48,17 +44,34 @@ StackFrameInfo SymbolEngine::Resolve(const CapturedFrame& frame, bool withLine) 
   return info;
 }
 
-const SymbolEngine::Known* SymbolEngine::Find(std::uint64_t lookUp, bool withLine) {
-  if (m_isClosed) return nullptr;
+StackFrameInfo SymbolEngine::Find(std::uint64_t lookUp, bool withLine) {
+  if (m_inside == std::this_thread::get_id()) return {};
+  Enter();
+  const std::unique_ptr<SymbolEngine, void (*)(SymbolEngine*)> left(this,
+                                                                    [](SymbolEngine* engine) { engine->Leave(); });
+  return m_isClosed ? StackFrameInfo() : Ask(lookUp, withLine).frame;
+}
+
+const SymbolEngine::Known& SymbolEngine::Ask(std::uint64_t lookUp, bool withLine) {
   const auto found = m_known.find(lookUp);
-  if (found != m_known.end() && (found->second.hasLine || !withLine)) return &found->second;
+  if (found != m_known.end() && (found->second.hasLine || !withLine)) return found->second;
   if (!m_source) m_source = m_makeSource();
   Known known;
   m_source->FindNames(lookUp, known.frame);
   if (withLine) m_source->FindLine(lookUp, known.frame);
   known.hasLine = withLine;
   if (m_known.size() >= MostKnown) m_known.clear();
-  return &(m_known[lookUp] = std::move(known));
+  return m_known[lookUp] = std::move(known);
+}
+
+void SymbolEngine::Enter() {
+  m_mutex.lock();
+  m_inside = std::this_thread::get_id();
+}
+
+void SymbolEngine::Leave() {
+  m_inside = std::thread::id();
+  m_mutex.unlock();
 }
 
 // At the end of a process the system may have ended another thread in the middle of a walk, with the lock held.

@@ -47,8 +47,9 @@ std::size_t CaptureStack(std::span<CapturedFrame> frames) noexcept {
 
 std::uint64_t NumberOfThread() noexcept { return static_cast<std::uint64_t>(gettid()); }
 
+void LoadSymbolLibrary() { TheLibDw(); }
+
 std::unique_ptr<ISymbolSource> MakeSymbolSource() {
-  RequireSomeMemory();
   const LibDw* const dw = TheLibDw();
   if (!dw) return std::make_unique<NothingKnown>();
   return std::make_unique<DwarfSymbols>(*dw);

@@ -23,6 +23,10 @@ std::size_t CaptureStack(std::span<CapturedFrame> frames) noexcept;
 /// The system's own number of the calling thread.
 std::uint64_t NumberOfThread() noexcept;
 
+/// Loads the library that knows symbols, unless it is loaded; throws std::bad_alloc. To be called without a lock: a thread may walk in the
+/// initialisation of a module, where it holds the lock of the system's loader.
+void LoadSymbolLibrary();
+
 /// What is known of the modules that were loaded when it was made. Not for two threads at once.
 class ISymbolSource {
  public:

@@ -41,6 +41,8 @@ std::size_t CaptureStack(std::span<CapturedFrame> frames) noexcept {
 
 std::uint64_t NumberOfThread() noexcept { return GetCurrentThreadId(); }
 
+void LoadSymbolLibrary() { TheDebugHelp(); }
+
 std::unique_ptr<ISymbolSource> MakeSymbolSource() {
   const DebugHelp* const help = TheDebugHelp();
   if (!help) return std::make_unique<NothingKnown>();

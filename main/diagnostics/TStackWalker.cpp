@@ -22,6 +22,7 @@ LineParts PartsOf(const StackWalkerConfig& config) {
 
 void AddLines(std::list<std::string>& lines, std::span<const CapturedFrame> frames, const LineParts& parts) {
   const std::uint64_t thread = NumberOfThread();
+  LoadSymbolLibrary();
   SymbolEngine& engine = SymbolEngine::Instance();
   for (const CapturedFrame& frame : frames) {
     const StackFrameInfo info = engine.Resolve(frame, parts.fileName || parts.lineNumber);

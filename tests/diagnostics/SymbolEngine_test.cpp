@@ -25,6 +25,9 @@ struct Record {
   std::atomic<int> inside = 0;
   std::atomic<bool> hasBeenShared = false;
   std::atomic<bool> lacksMemory = false;
+  // Asked from inside a question, if there is one.
+  SymbolEngine* engine = nullptr;
+  StackFrameInfo answerInside;
 };
 Record* s_record = nullptr;
 
@@ -39,6 +42,7 @@ class Source : public ISymbolSource {
   void FindNames(std::uint64_t lookUp, StackFrameInfo& frame) override {
     const Alone alone;
     ++s_record->names;
+    if (s_record->engine) s_record->answerInside = s_record->engine->Resolve({lookUp, lookUp}, true);
     if (lookUp != 0) frame.m_moduleName = "module" + std::to_string(lookUp);
     if (s_record->lacksMemory) throw std::bad_alloc();
     if (lookUp != 0) frame.m_symbolName = "symbol" + std::to_string(lookUp);
@@ -179,6 +183,18 @@ TEST_F(SymbolEngineTest, LetsOneThreadAtATimeAskTheSource) {
   EXPECT_EQ(wrong, 0);
   EXPECT_FALSE(m_record.hasBeenShared);
   EXPECT_EQ(m_record.made, 1);
+}
+
+TEST_F(SymbolEngineTest, KnowsNothingForAThreadThatIsInsideAlready) {
+  m_record.engine = &m_engine;
+  EXPECT_EQ(m_engine.Resolve(FrameAt(8), true).m_symbolName, "symbol7");
+  EXPECT_EQ(m_record.answerInside.m_address, 7u);
+  EXPECT_EQ(m_record.answerInside.m_symbolName + m_record.answerInside.m_moduleName, "");
+  m_record.engine = nullptr;
+  m_engine.Enter();
+  EXPECT_EQ(m_engine.Resolve(FrameAt(8), true).m_symbolName, "");
+  m_engine.Leave();
+  EXPECT_EQ(m_engine.Resolve(FrameAt(8), true).m_symbolName, "symbol7");
 }
 
 TEST_F(SymbolEngineTest, ClosedItHasGivenBackItsSourceAndKnowsNothing) {
