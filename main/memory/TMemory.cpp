@@ -9,12 +9,6 @@
 
 bool g_redirected = false;
 
-namespace AsyncTask {
-
-constinit thread_local ThreadBlock t_threadBlock{};
-
-}  // namespace AsyncTask
-
 namespace quillon::memory {
 
 MemoryTrackingMode g_trackingMode = MemoryTrackingMode::NoTracking;
@@ -31,7 +25,7 @@ void LowerInUse(ThreadMemoryCounters& counters, std::size_t size) {
 
 // Null is counted too, as a block of no bytes.
 void CountAllocation(void* block, SizeOfBlock sizeOf = UsableSize) {
-  ThreadMemoryCounters* counters = AsyncTask::t_threadBlock.memoryCounters;
+  ThreadMemoryCounters* counters = AsyncTask::CurrentThreadBlock().memoryCounters;
   if (!counters) return;
   const std::size_t size = sizeOf(block);
   ++counters->allocatedCount;
@@ -41,7 +35,7 @@ void CountAllocation(void* block, SizeOfBlock sizeOf = UsableSize) {
 }
 
 void CountReallocation(void* old) {
-  ThreadMemoryCounters* counters = AsyncTask::t_threadBlock.memoryCounters;
+  ThreadMemoryCounters* counters = AsyncTask::CurrentThreadBlock().memoryCounters;
   if (!old || !counters) return;
   const std::size_t size = UsableSize(old);
   counters->allocated -= size;
@@ -50,7 +44,7 @@ void CountReallocation(void* old) {
 }
 
 void CountFree(void* block, SizeOfBlock sizeOf = UsableSize) {
-  ThreadMemoryCounters* counters = AsyncTask::t_threadBlock.memoryCounters;
+  ThreadMemoryCounters* counters = AsyncTask::CurrentThreadBlock().memoryCounters;
   if (!block || !counters) return;
   const std::size_t size = sizeOf(block);
   counters->deallocated += size;

@@ -5,27 +5,34 @@
 
 #include "qilsys/TMemory.h"
 
-// The initial-exec model of thread-local storage: the variable lies in memory that a thread is started with. The general
-// model would allocate when a thread first reads it, in the middle of an allocation.
-#if defined(__GNUC__)
-#define QILSYS_INITIAL_EXEC_TLS [[gnu::tls_model("initial-exec")]]
-#else
-#define QILSYS_INITIAL_EXEC_TLS
-#endif
+class TCancelEvent;
 
 namespace AsyncTask {
 
+class IWaitHandler;
+
 /// Everything the library keeps for one thread. Zero-initialised, trivially destructible and reachable without
-/// allocation, so the entry points may use it at any moment of a thread's life. What tasks will keep here comes behind
-/// these two fields of the accounting.
+/// allocation, so the entry points may use it at any moment of a thread's life.
 struct ThreadBlock {
   /// The record of the innermost scope that counts; null at first.
   quillon::memory::ThreadMemoryCounters* memoryCounters;
   /// For the order of a thread's records (`orderingId`). The scopes that draw from it are not built yet.
   std::uint64_t orderingCounter;
+
+  // What follows is for tasks, which reach it by AsyncTask::TLS.
+
+  /// How deep tasks are nested.
+  std::uint64_t depth;
+  void (*threadCleanupFunction)();
+  /// The block owns one reference, which `Cancel::Set` takes and gives back.
+  TCancelEvent* cancelEvent;
+  /// Not owned.
+  IWaitHandler* waitHandler;
 };
 
-extern constinit thread_local ThreadBlock t_threadBlock QILSYS_INITIAL_EXEC_TLS;
+/// The calling thread's. It lies in memory that the system gives a thread to start with: what is made when a thread first
+/// asks for it would be made in the middle of an allocation.
+ThreadBlock& CurrentThreadBlock() noexcept;
 
 }  // namespace AsyncTask
 

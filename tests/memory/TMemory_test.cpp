@@ -25,13 +25,14 @@ namespace {
 /// Installs counters on this thread, and the mode, while it lives.
 class Counted {
  public:
-  explicit Counted(MemoryTrackingMode mode) : m_mode(g_trackingMode), m_outer(AsyncTask::t_threadBlock.memoryCounters) {
-    AsyncTask::t_threadBlock.memoryCounters = &counters;
+  explicit Counted(MemoryTrackingMode mode)
+      : m_mode(g_trackingMode), m_outer(AsyncTask::CurrentThreadBlock().memoryCounters) {
+    AsyncTask::CurrentThreadBlock().memoryCounters = &counters;
     g_trackingMode = mode;
   }
   ~Counted() {
     g_trackingMode = m_mode;
-    AsyncTask::t_threadBlock.memoryCounters = m_outer;
+    AsyncTask::CurrentThreadBlock().memoryCounters = m_outer;
   }
   Counted(const Counted&) = delete;
   Counted& operator=(const Counted&) = delete;
@@ -317,14 +318,14 @@ TEST(AlignedBlocks, NullWhereTheHeapGivesNone) {
 // ---- The thread's block
 
 TEST(ThreadBlock, StartsZeroedOnEachThread) {
-  AsyncTask::t_threadBlock.orderingCounter += 1;
+  AsyncTask::CurrentThreadBlock().orderingCounter += 1;
   bool zeroed = false;
   std::thread([&zeroed] {
-    const AsyncTask::ThreadBlock& block = AsyncTask::t_threadBlock;
+    const AsyncTask::ThreadBlock& block = AsyncTask::CurrentThreadBlock();
     zeroed = !block.memoryCounters && block.orderingCounter == 0;
   }).join();
   EXPECT_TRUE(zeroed);
-  AsyncTask::t_threadBlock.orderingCounter -= 1;
+  AsyncTask::CurrentThreadBlock().orderingCounter -= 1;
 }
 
 }  // namespace
