@@ -45,6 +45,13 @@ class TScopedReadLock;  // TLocks.h
 class TSemaphore;
 class TSemaphoreScope;  // TSemaphore.h
 
+// Tasks
+namespace AsyncTask {
+class TLS;  // AsyncTaskTls.h
+struct Cancel;
+class CancelException;
+}  // namespace AsyncTask
+
 // Resource monitoring
 class ResourceManager;
 class ResourceReporter;

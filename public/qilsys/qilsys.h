@@ -1,6 +1,11 @@
 /// Includes every header of the library.
 #pragma once
 
+#include "qilsys/AsyncTask.h"
+#include "qilsys/AsyncTaskHooks.h"
+#include "qilsys/AsyncTaskTls.h"
+#include "qilsys/Cancel.h"
+#include "qilsys/CancelException.h"
 #include "qilsys/CodePoint.h"
 #include "qilsys/Export.h"
 #include "qilsys/Fwd.h"

@@ -1,0 +1,7 @@
+/// Includes all of the namespace AsyncTask: tasks, their futures and their cancellation.
+#pragma once
+
+#include "qilsys/AsyncTaskHooks.h"
+#include "qilsys/AsyncTaskTls.h"
+#include "qilsys/Cancel.h"
+#include "qilsys/CancelException.h"
