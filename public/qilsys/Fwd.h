@@ -50,6 +50,10 @@ namespace AsyncTask {
 class TLS;  // AsyncTaskTls.h
 struct Cancel;
 class CancelException;
+class IWaitHandler;  // WaitHandler.h
+class IWrappedFuture;
+class InvalidFutureException;
+class SharedStateBase;  // SharedState.h
 }  // namespace AsyncTask
 
 // Resource monitoring

@@ -44,7 +44,7 @@ ROOM_OF |= dict.fromkeys('TStackWalker CrashDump'.split(), 'diagnostics')
 ROOM_OF |= dict.fromkeys('TPathCore'.split(), 'paths')
 ROOM_OF |= dict.fromkeys('StaticRepository'.split(), 'system')
 ROOM_OF |= dict.fromkeys('CpuTime JemallocEnable'.split(), 'accounting')
-ROOM_OF |= dict.fromkeys('AsyncTask Future IWrappedFuture Launch'.split(), 'thread')
+ROOM_OF |= dict.fromkeys('AsyncTask Future Launch'.split(), 'thread')
 
 SOURCES = {}
 for path in tracked('main/*.cpp', 'main/*.h'):

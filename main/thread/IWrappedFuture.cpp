@@ -1,0 +1,3 @@
+#include "qilsys/IWrappedFuture.h"
+
+AsyncTask::IWrappedFuture::~IWrappedFuture() = default;
