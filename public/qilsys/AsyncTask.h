@@ -10,4 +10,5 @@
 #include "qilsys/Launch.h"
 #include "qilsys/ScopedCancelImpersonation.h"
 #include "qilsys/SharedState.h"
+#include "qilsys/TThreadPool.h"
 #include "qilsys/WaitHandler.h"

@@ -55,6 +55,7 @@ class IWrappedFuture;
 class InvalidFutureException;
 class SharedStateBase;  // SharedState.h
 }  // namespace AsyncTask
+class TThreadPool;
 
 // Resource monitoring
 class ResourceManager;

@@ -48,6 +48,7 @@
 #include "qilsys/TStringOptions.h"
 #include "qilsys/TStringStorage.h"
 #include "qilsys/TSystem.h"
+#include "qilsys/TThreadPool.h"
 #include "qilsys/ThreadSanitizer.h"
 #include "qilsys/Unicode.h"
 #include "qilsys/WaitHandler.h"
