@@ -8,6 +8,7 @@
 #include "qilsys/IWrappedFuture.h"
 #include "qilsys/InvalidFutureException.h"
 #include "qilsys/Launch.h"
+#include "qilsys/NonThreadPoolWorkerManager.h"
 #include "qilsys/ScopedCancelImpersonation.h"
 #include "qilsys/SharedState.h"
 #include "qilsys/TThreadPool.h"

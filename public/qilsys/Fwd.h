@@ -56,6 +56,7 @@ class InvalidFutureException;
 class SharedStateBase;  // SharedState.h
 }  // namespace AsyncTask
 class TThreadPool;
+class NonThreadPoolWorkerManager;
 
 // Resource monitoring
 class ResourceManager;

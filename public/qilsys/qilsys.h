@@ -15,6 +15,7 @@
 #include "qilsys/Launch.h"
 #include "qilsys/LogicException.h"
 #include "qilsys/MonitoredProcess.h"
+#include "qilsys/NonThreadPoolWorkerManager.h"
 #include "qilsys/QuillonError.h"
 #include "qilsys/QuillonException.h"
 #include "qilsys/ReferenceCount.h"

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "PlainState.h"
+#include "qilsys/NonThreadPoolWorkerManager.h"
 #include "qilsys/TThreadPool.h"
 #include "support/Latch.h"
 #include "support/Random.h"
@@ -249,6 +250,36 @@ TEST(TaskStress, EveryItemOfAPoolRunsOnceOrIsRefused) {
     }
     ASSERT_EQ(run, taken);
     ASSERT_EQ(wrong, 0);
+    ASSERT_EQ(live.use_count(), 1);
+  }
+}
+
+TEST(TaskStress, TasksOfDedicatedThreadsAreCountedOrDropped) {
+  for (int round = 0; round < Rounds(100); ++round) {
+    std::atomic<int> begun{0};
+    std::atomic<int> ended{0};
+    std::atomic<int> endedAtClose{-1};
+    const auto live = std::make_shared<int>(0);
+    {
+      NonThreadPoolWorkerManager manager(nullptr, nullptr);
+      AllAtOnce(
+          3,
+          [&](int thread, SeededRandom& random) {
+            if (thread == 0) {
+              Dawdle(random);
+              manager.Close(NoTimeLimit);
+              endedAtClose = ended.load();
+              return;
+            }
+            for (int i = 0; i < 5; ++i) {
+              manager.RunTask([&, live] { ++begun, ++ended; });
+            }
+          },
+          round);
+      ASSERT_EQ(manager.GetThreadCount(), 0u);
+    }
+    ASSERT_EQ(begun, ended);
+    ASSERT_EQ(endedAtClose, ended) << "none begins once the close has returned";
     ASSERT_EQ(live.use_count(), 1);
   }
 }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "qilsys/NonThreadPoolWorkerManager.h"
 #include "qilsys/TThreadPool.h"
 #include "support/Latch.h"
 
@@ -43,6 +44,7 @@ class ProcessPoolTest : public testing::Test {
  protected:
   ~ProcessPoolTest() override {
     TThreadPool::Shutdown(NoTimeLimit);
+    NonThreadPoolWorkerManager::Shutdown(NoTimeLimit);
     TThreadPool::Configure(0, nullptr, nullptr, nullptr);
   }
 };
