@@ -31,6 +31,10 @@ TThreadPool* MakePool() {
   return new TThreadPool(g_numThreads, functions.onStart, functions.onEnd);
 }
 
+TStringCore LogLine() {
+  return TStringCore("Started thread pool with: ") + TStringCore::number(g_numThreads) + " threads";
+}
+
 }  // namespace
 
 qilsys::thread::ThreadFunctions& qilsys::thread::ConfiguredFunctions() {
@@ -50,9 +54,11 @@ TThreadPool& TThreadPool::Get() {
   if (TThreadPool* const pool = g_pool) return *pool;
   QILSYS_LOGIC_ASSERT(g_numThreads > 0, "g_numThreads > 0", File, 59, 0x425D0794,
                       "LogicException_LogicAssert_0x425D0794");
+  // Before the pool is there, so that a lack of memory leaves none.
+  TStringCore line = Log() ? LogLine() : TStringCore();
   TThreadPool* const pool = MakePool();
   g_pool = pool;
-  if (Log()) Log()(TStringCore("Started thread pool with: ") + TStringCore::number(g_numThreads) + " threads");
+  if (Log()) Log()(std::move(line));
   return *pool;
 }
 

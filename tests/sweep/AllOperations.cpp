@@ -8,7 +8,7 @@ const std::vector<Operation>& AllOperations() {
     for (const auto add :
          {&AddTextMaking, &AddTextReading, &AddTextSearching, &AddTextEditing, &AddTextCutting, &AddUnicode,
           &AddFormats, &AddScanning, &AddErrors, &AddExceptions, &AddHashing, &AddSynchronizing, &AddAskingTheSystem,
-          &AddRepository, &AddDiagnosing, &AddMonitoring, &AddPaths}) {
+          &AddRepository, &AddDiagnosing, &AddPaths, &AddTasking, &AddMonitoring}) {
       add(all);
     }
     return all;

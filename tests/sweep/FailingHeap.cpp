@@ -2,9 +2,12 @@
 
 #include <unicode/uclean.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
+
+#include "qilsys/TSystem.h"
 
 // What the linker calls the functions that it has put aside, and those in their place.
 extern "C" {
@@ -21,15 +24,18 @@ void __wrap_free(void* block);
 namespace qilsys::test::sweep {
 namespace {
 
-// Plain: an operation under test runs in one thread, and nothing else runs then.
-long g_liveBlocks = 0;
-bool g_counting = false;
+// Threads of a pool may give blocks back while an operation under test runs.
+std::atomic<long> g_liveBlocks = 0;
+std::atomic<bool> g_counting = false;
+// The rest is of the one thread whose requests count, which is known by its number: a thread_local variable may itself be
+// made of memory.
+unsigned long long g_thread = 0;
 int g_refuseFrom = 0;
 Refused g_which = Refused::One;
 Requests g_requests;
 
 bool IsRefused() {
-  if (!g_counting) return false;
+  if (!g_counting || TSystem::ThreadID() != g_thread) return false;
   const int number = g_requests.asked++;
   const bool refused = g_refuseFrom >= 0 && (g_which == Refused::One ? number == g_refuseFrom : number >= g_refuseFrom);
   g_requests.refused += refused ? 1 : 0;
@@ -51,6 +57,7 @@ void RefuseFrom(int n, Refused which) {
   g_refuseFrom = n;
   g_which = which;
   g_requests = {};
+  g_thread = TSystem::ThreadID();
   g_counting = true;
 }
 

@@ -11,7 +11,7 @@ enum class Refused {
   AllAfter,  ///< The request and all that follow.
 };
 
-/// From now on counts requests, from 0, and refuses number `n`; none where that is negative.
+/// From now on counts requests of this thread, from 0, and refuses number `n`; none where that is negative.
 void RefuseFrom(int n, Refused which);
 
 struct Requests {

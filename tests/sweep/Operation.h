@@ -109,6 +109,7 @@ void AddRepository(std::vector<Operation>& operations);
 void AddDiagnosing(std::vector<Operation>& operations);
 void AddMonitoring(std::vector<Operation>& operations);
 void AddPaths(std::vector<Operation>& operations);
+void AddTasking(std::vector<Operation>& operations);
 
 /// All of them.
 const std::vector<Operation>& AllOperations();
