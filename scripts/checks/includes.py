@@ -80,8 +80,11 @@ def check_layering(report, path, includes):
 
 
 def own_headers(path):
-    """The header of a source, by its stem; that of its class, where the source is a slice of one."""
+    """The header of a source, by its name or stem; that of its class, where the source is a slice of one."""
     room, name = path.split('/')[1], stem(path)
+    whole = f'{room}/{os.path.basename(path)[:-len(".cpp")]}.h'
+    if os.path.exists(f'main/{whole}'):
+        return [whole] + [f'{room}/{name}_platform.h', f'{room}/{name}.h', f'qilsys/{name}.h']
     for length in range(len(name), 2, -1):
         own = [f'{folder}/{name[:length]}{suffix}.h' for folder in (room, 'qilsys') for suffix in ('', '_platform', '_x86', '_cpu')]
         own = [n for n in own if any(os.path.exists(f'{root}/{n}') for root in ('main', 'public'))]

@@ -1,4 +1,8 @@
 // Files of modules as Linux alone has them: removed while they run, and asked for from the folder that was current.
+#ifndef __linux__
+#error "This file is for Linux."
+#endif
+
 #include <gtest/gtest.h>
 #include <sys/auxv.h>
 #include <unistd.h>
