@@ -61,7 +61,7 @@ TEST(SharedState, BecomesReadyOnceAndForAll) {
 TEST(SharedState, ReadyWakesThoseThatWait) {
   PlainState state;
   std::jthread waiter([&] { state.Wait(); });
-  std::jthread timed([&] { EXPECT_TRUE(state.WaitFor(qilsys::test::s_patience)); });
+  std::jthread timed([&] { EXPECT_TRUE(state.WaitFor(qilsys::test::Patience)); });
   ASSERT_TRUE(Eventually(
       [&] { return SynchronizeForTest::Waiters(static_cast<const TEvent&>(state.GetRawReadyEvent())) == 2; }));
   state.MarkAsReady();
