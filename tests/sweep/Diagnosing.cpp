@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "qilsys/TStackWalker.h"
+#include "sweep/FailingHeap.h"
 #include "sweep/Observed.h"
 #include "sweep/Operation.h"
 
@@ -43,7 +44,9 @@ class WalkingThread {
     while (true) {
       m_told.wait(lock, [&] { return m_order != Order::Wait; });
       if (m_order == Order::End) return;
+      CountAsWorkingThread(true);
       m_hasLines = m_walker->GenerateCallstack();
+      CountAsWorkingThread(false);
       m_order = Order::Wait;
       m_told.notify_all();
     }

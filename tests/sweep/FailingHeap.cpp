@@ -27,15 +27,21 @@ namespace {
 // Threads of a pool may give blocks back while an operation under test runs.
 std::atomic<long> g_liveBlocks = 0;
 std::atomic<bool> g_counting = false;
-// The rest is of the one thread whose requests count, which is known by its number: a thread_local variable may itself be
-// made of memory.
+// The rest is of the one thread whose requests count, and of the one that may work for it while it waits. They are known
+// by their numbers: a thread_local variable may itself be made of memory.
 unsigned long long g_thread = 0;
+unsigned long long g_workingThread = 0;
 int g_refuseFrom = 0;
 Refused g_which = Refused::One;
 Requests g_requests;
 
+bool IsOfTheOperation() {
+  const unsigned long long thread = TSystem::ThreadID();
+  return thread == g_thread || thread == g_workingThread;
+}
+
 bool IsRefused() {
-  if (!g_counting || TSystem::ThreadID() != g_thread) return false;
+  if (!g_counting || !IsOfTheOperation()) return false;
   const int number = g_requests.asked++;
   const bool refused = g_refuseFrom >= 0 && (g_which == Refused::One ? number == g_refuseFrom : number >= g_refuseFrom);
   g_requests.refused += refused ? 1 : 0;
@@ -60,6 +66,8 @@ void RefuseFrom(int n, Refused which) {
   g_thread = TSystem::ThreadID();
   g_counting = true;
 }
+
+void CountAsWorkingThread(bool does) { g_workingThread = does ? TSystem::ThreadID() : 0; }
 
 Requests StopRefusing() {
   g_counting = false;

@@ -14,6 +14,9 @@ enum class Refused {
 /// From now on counts requests of this thread, from 0, and refuses number `n`; none where that is negative.
 void RefuseFrom(int n, Refused which);
 
+/// Says that this thread works for the one that runs the operation, which waits meanwhile: its requests count too.
+void CountAsWorkingThread(bool does);
+
 struct Requests {
   int asked = 0;
   int refused = 0;
