@@ -20,7 +20,8 @@ namespace {
 struct LibDwOutOfMemory : std::bad_alloc {};
 
 // Where libdw finds no memory for what it keeps, it would end the process. It holds no lock at that place.
-const Dwarf_OOM OutOfMemoryHandler = [] { throw LibDwOutOfMemory(); };
+// The attribute is in the form that clang takes for a part of the type, as libdw has it.
+__attribute__((noreturn)) void RaiseOutOfMemory() { throw LibDwOutOfMemory(); }
 
 struct Free {
   void operator()(char* text) const { std::free(text); }
@@ -88,7 +89,7 @@ Dwfl_Module* DwarfSymbols::FindModule(std::uint64_t lookUp) {
 }
 
 void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
-  RequireSomeMemory();
+  RequireMemory(MemoryOfStep);
   const Uncancelled uncancelled;
   Dwfl_Module* const handle = FindModule(lookUp);
   if (!handle) return;
@@ -103,7 +104,7 @@ void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
 }
 
 void DwarfSymbols::FindLine(std::uint64_t lookUp, StackFrameInfo& frame) {
-  RequireSomeMemory();
+  RequireMemory(MemoryOfStep);
   const Uncancelled uncancelled;
   Dwfl_Module* const handle = FindModule(lookUp);
   if (!handle) return;
@@ -152,13 +153,30 @@ int DwarfSymbols::FindDebugFile(Dwfl_Module* handle, void** userData, const char
 }
 
 void DwarfSymbols::OpenDwarf(Dwfl_Module* handle, Module& module) {
-  module.isDwarfKnown = true;
   module.isForLines = true;
   GElf_Addr bias = 0;
   Elf* const elf = m_dw.dwfl_module_getelf(handle, &bias);
-  if (!elf || module.isCompressed || IsCompressed(m_dw, elf)) return;
-  module.dwarf = m_dw.dwfl_module_getdwarf(handle, &module.bias);
-  if (module.dwarf) m_dw.dwarf_new_oom_handler(module.dwarf, OutOfMemoryHandler);
+  if (elf && !module.isCompressed && !IsCompressed(m_dw, elf)) {
+    Dwarf* const dwarf = m_dw.dwfl_module_getdwarf(handle, &module.bias);
+    if (dwarf) RequireMemoryOfUnits(dwarf);
+    module.dwarf = dwarf;
+  }
+  if (module.dwarf) m_dw.dwarf_new_oom_handler(module.dwarf, &RaiseOutOfMemory);
+  module.isDwarfKnown = true;
+}
+
+// The first look at the table of addresses makes records of all units, with a kilobyte each for their abbreviations.
+void DwarfSymbols::RequireMemoryOfUnits(Dwarf* dwarf) const {
+  constexpr std::size_t MemoryOfUnit = 2048;
+  std::size_t size = MemoryOfStep;
+  Dwarf_Off header = 0;
+  Dwarf_Off next = 0;
+  std::size_t headerSize = 0;
+  while (m_dw.dwarf_nextcu(dwarf, header, &next, &headerSize, nullptr, nullptr, nullptr) == 0) {
+    size += MemoryOfUnit;
+    header = next;
+  }
+  RequireMemory(size);
 }
 
 void DwarfSymbols::FindLine(Module& module, Dwarf_Addr address, StackFrameInfo& frame) {
@@ -220,7 +238,7 @@ std::vector<Dwarf_Off> DwarfSymbols::UnitsInTable(const Module& module) const {
 }
 
 void DwarfSymbols::ReadRanges(Module& module, Dwarf_Off unit) {
-  RequireSomeMemory();
+  RequireMemory(MemoryOfStep);
   Dwarf_Die die;
   if (!m_dw.dwarf_offdie(module.dwarf, unit, &die)) return;
   Dwarf_Addr base = 0;

@@ -59,6 +59,7 @@ class DwarfSymbols : public ISymbolSource {
   Dwfl_Module* FindModule(std::uint64_t lookUp);
   Module& ModuleOf(Dwfl_Module* handle);
   void OpenDwarf(Dwfl_Module* handle, Module& module);
+  void RequireMemoryOfUnits(Dwarf* dwarf) const;
   void FindLine(Module& module, Dwarf_Addr address, StackFrameInfo& frame);
   Dwarf_Die* FindUnit(Module& module, Dwarf_Addr address, Dwarf_Die* room);
   void ReadUnits(Module& module);

@@ -47,7 +47,7 @@ bool FindElf(void* library, LibDw& dw) {
 constexpr LibDw None{};
 
 const LibDw* OpenLibDw() {
-  RequireSomeMemory();
+  RequireMemory(MemoryOfStep);
   auto dw = std::make_unique<LibDw>();
   void* const library = dlopen("libdw.so.1", RTLD_NOW | RTLD_LOCAL);
   const bool isWhole = library && FindDwfl(library, *dw) && FindDwarf(library, *dw) && FindElf(library, *dw);
@@ -72,10 +72,7 @@ const LibDw* TheLibDw() {
   return dw == &None ? nullptr : dw;
 }
 
-// Much more than the loader will ask for. Called by their names, the operators are not left out by compilers.
-void RequireSomeMemory() {
-  constexpr std::size_t Size = 16384;
-  ::operator delete(::operator new(Size));
-}
+// Called by their names, the operators are not left out by compilers.
+void RequireMemory(std::size_t size) { ::operator delete(::operator new(size)); }
 
 }  // namespace qilsys::diagnostics

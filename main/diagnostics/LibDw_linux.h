@@ -11,6 +11,8 @@
 #include <gelf.h>
 #include <libelf.h>
 
+#include <cstddef>
+
 namespace qilsys::diagnostics {
 
 /// Each under its own name and with its own type.
@@ -51,8 +53,12 @@ struct LibDw {
 /// Throws std::bad_alloc, and opens it another time.
 const LibDw* TheLibDw();
 
-/// Throws std::bad_alloc where memory is all but gone. To be called before libdw: with a thread's first step into a library
-/// that was opened late, the loader takes memory for its thread-local variables, and ends the process if there is none.
-void RequireSomeMemory();
+/// Throws std::bad_alloc where there is not this much memory. To be called before libdw, which is not made for a lack of
+/// it: some of its tables it uses without having got them, and others it asserts to have. And with a thread's first step
+/// into a library that was opened late the loader ends the process, if there is no memory for its thread-local variables.
+void RequireMemory(std::size_t size);
+
+/// What suffices for any step but the first one into a module's debug information.
+inline constexpr std::size_t MemoryOfStep = 65536;
 
 }  // namespace qilsys::diagnostics
