@@ -134,6 +134,15 @@ TEST_F(ModuleTest, IsFoundByItsAddressesAndItsName) {
   EXPECT_TRUE(Is(TSystem::ModulePath(TPathCore(u"c:/elsewhere/first_module.dll")), file));
 }
 
+TEST_F(ModuleTest, IsFoundAsTheSystemNamesIt) {
+  constexpr bool IsWindows = fs::path::preferred_separator == '\\';
+  const fs::path file = Copy(QILSYS_PLAIN_MODULE, m_folder / "named_module.dll");
+  const LoadedModule module(file);
+  for (const TPathCore name : {u"NAMED_MODULE.DLL", u"named_module"}) {
+    EXPECT_EQ(!TSystem::ModulePath(name).IsEmpty(), IsWindows) << name;
+  }
+}
+
 TEST_F(ModuleTest, MayHaveALongName) {
   const fs::path file = Copy(QILSYS_PLAIN_MODULE, MakeLongFolder(m_folder) / "long_module.dll");
   std::optional<LoadedModule> module;
