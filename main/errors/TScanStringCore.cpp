@@ -68,9 +68,10 @@ int LengthWhile(const TCodeUnit* text, const Test& test) {
 
 // The text may end before the word does, with a NUL, which no word has.
 bool StartsWithWord(const TCodeUnit* text, std::string_view word) {
-  for (const char letter : word) {
+  for (const char c : word) {
+    const int wanted = static_cast<unsigned char>(c);
     const TCodeUnit unit = *text++;
-    if (unit != letter && !(letter >= 'a' && (unit | CaseBit) == letter)) return false;
+    if (unit != wanted && !(wanted >= 'a' && (unit | CaseBit) == wanted)) return false;
   }
   return true;
 }
