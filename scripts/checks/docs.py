@@ -8,8 +8,8 @@ from tree import Report, comments, read, tracked, without_comments
 FILE = re.compile(r'(?<![\w/.*{}>-])((?:[\w.-]+/)*[\w-]+\.(?:h|cpp|py|md|cmake|in|txt))(?![\w/{]|\.\w)')
 FOLDERS = ('benchmarks', 'cmake', 'docs', 'examples', 'fuzz', 'main', 'public', 'scripts', 'tests')
 PLACE = re.compile(r'(?<![\w/.~<-])((?:%s)/[\w./-]*\w)(?![\w<*{(])' % '|'.join(FOLDERS))
-# Names that stand for any: X.cpp, X_win.h, NAME_tests; and those of one letter in examples of paths.
-PLACEHOLDER = re.compile(r'(?:^|/)(?:(?:X|NAME)(?:_|\.)|[a-z]\.txt$)')
+# Names that stand for any: X.cpp, X_win.h, NAME_tests.
+PLACEHOLDER = re.compile(r'(?:^|/)(?:X|NAME)(?:_|\.)')
 LINK = re.compile(r'\[[^\]\n]*\]\(([^)\s]+)\)')
 # Files of a build, and of others beside the headers that the tree includes.
 ELSEWHERE = re.compile(r'^build/|(?:^|/)(?:CMakeCache|compile_commands|vcpkg|strings|math|stdio|stdlib|psapi)\.\w+$')

@@ -1,11 +1,7 @@
 // A library for the tests to load: something to point at.
-#ifdef _MSC_VER
-#define EXPORTED __declspec(dllexport)
-#else
-#define EXPORTED __attribute__((visibility("default")))
-#endif
+#include "qilsys/Export.h"
 
 extern "C" {
-EXPORTED extern const int PlaceInModule;
+QILSYS_API extern const int PlaceInModule;
 const int PlaceInModule = 1;
 }
