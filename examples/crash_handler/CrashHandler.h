@@ -1,8 +1,8 @@
 /// What a host does so that a crash leaves something to look at: a dump of the process and the stacks of its threads.
 ///
 /// A process that crashes can trust little of itself: its heap may be broken, and a thread may hold any lock for ever. So
-/// the handler only wakes a second process, the helper, and waits; it takes no memory and no lock. The helper, which is this same
-/// program started with other words, writes the dump and the lines.
+/// the handler takes no memory and no lock: it calls the helper and waits. The helper, which is this same program started
+/// with other words, writes the dump and the lines.
 #pragma once
 
 #include <optional>

@@ -53,7 +53,9 @@ def crash(way, function, wanted):
         check_end(way, code, wanted)
         check_dump(way, left['.dmp'], function)
         lines = left['.txt'].read_text()
-        assert re.search(rf'!.*{function}', lines), f'{way}: the lines are\n{lines}'
+        # mingw-w64's function that looks for more stack says nothing of how to leave it: its frame is the last.
+        wanted = r'thread \d+\n  0x' if WINDOWS and way == 'stack-overflow' else rf'!.*{function}'
+        assert re.search(wanted, lines), f'{way}: the lines are\n{lines}'
 
 
 # The kernel's own dumps are not wanted here.

@@ -17,12 +17,16 @@ void WriteToNull() {
   *nowhere = 1;
 }
 
-// The compiler must not see that it never ends.
+// The compiler must not see that it calls itself without end. It takes more than a page at a time, so that the
+// compiler looks for each whether it is there, before it moves the stack.
+int UseUpTheStack(int depth);
+int (*volatile g_next)(int) = &UseUpTheStack;
+
 int UseUpTheStack(int depth) {
-  volatile char room[4096] = {};
-  room[depth % 4096] = 1;
+  volatile char room[8192] = {};
+  room[depth % 8192] = 1;
   if (depth < 0) return 0;
-  return UseUpTheStack(depth + 1) + room[0];
+  return g_next(depth + 1) + room[0];
 }
 
 void Abort() { std::abort(); }

@@ -17,6 +17,7 @@
 
 #include "base/FileDescriptor_linux.h"
 #include "base/ProcText.h"
+#include "diagnostics/CrashDumpProc.h"
 #include "diagnostics/FixedText.h"
 
 namespace qilsys::diagnostics {
@@ -59,6 +60,17 @@ void ForEachThread(pid_t process, std::pmr::memory_resource& memory, TVisit visi
   }
 }
 
+/// Whether a thread still runs, or could.
+bool IsAlive(pid_t process, pid_t thread) {
+  FixedText<64> path;
+  path << "/proc/" << process << "/task/" << thread << "/stat";
+  const FileDescriptor file(Uninterrupted([&] { return open(path.CStr(), O_RDONLY | O_CLOEXEC); }));
+  char text[512];
+  const ssize_t length = Uninterrupted([&] { return read(file.Get(), text, sizeof text); });
+  const auto stat = length > 0 ? ParseProcessStat({text, static_cast<std::size_t>(length)}) : std::nullopt;
+  return stat && stat->state != 'Z' && stat->state != 'X';
+}
+
 /// Of a thread that stands still: the signal that made it, or 0 where it was we. Nothing while it runs or if it is gone.
 std::optional<int> StopOf(pid_t thread) {
   siginfo_t info;
@@ -96,12 +108,16 @@ HeldThreads::HeldThreads(pid_t process, std::pmr::memory_resource& memory)
   for (int quiet = 0; quiet < 2; ++quiet) {
     if (HoldNewOnes(process)) quiet = -1;
   }
+  if (m_isRefused) Release();
 }
 
-HeldThreads::~HeldThreads() {
+HeldThreads::~HeldThreads() { Release(); }
+
+void HeldThreads::Release() {
   for (const HeldThread& thread : m_threads) {
     ptrace(PTRACE_DETACH, thread.id, nullptr, reinterpret_cast<void*>(std::intptr_t{thread.signal}));
   }
+  m_threads.clear();
 }
 
 void HeldThreads::PutFirst(pid_t thread) {
@@ -112,7 +128,7 @@ void HeldThreads::PutFirst(pid_t thread) {
 bool HeldThreads::HoldNewOnes(pid_t process) {
   const std::size_t before = m_threads.size() + m_restless.size();
   ForEachThread(process, m_memory, [&](pid_t thread) {
-    if (!IsKnown(thread)) Hold(thread);
+    if (!IsKnown(thread)) Hold(process, thread);
   });
   return m_threads.size() + m_restless.size() != before;
 }
@@ -122,8 +138,12 @@ bool HeldThreads::IsKnown(pid_t thread) const {
          std::ranges::find(m_restless, thread) != m_restless.end();
 }
 
-void HeldThreads::Hold(pid_t thread) {
-  if (ptrace(PTRACE_SEIZE, thread, nullptr, nullptr) != 0) return;
+void HeldThreads::Hold(pid_t process, pid_t thread) {
+  if (ptrace(PTRACE_SEIZE, thread, nullptr, nullptr) != 0) {
+    // The kernel refuses those that have ended too.
+    m_isRefused = m_isRefused || IsAlive(process, thread);
+    return;
+  }
   int signal = 0;
   const Held held = WaitForStop(thread, signal);
   if (held == Held::Yes) m_threads.push_back({thread, signal});

@@ -28,7 +28,7 @@ class HeldThreads {
   HeldThreads(const HeldThreads&) = delete;
   HeldThreads& operator=(const HeldThreads&) = delete;
 
-  /// Those that stand still. None if the process may not be traced, or has ended.
+  /// Those that stand still. None if the process has ended, or if a thread of it may not be traced, as another traces it.
   std::span<const HeldThread> All() const { return m_threads; }
 
   /// Moves a thread to the front, if it is there: debuggers show the first one first.
@@ -37,11 +37,13 @@ class HeldThreads {
  private:
   bool HoldNewOnes(pid_t process);
   bool IsKnown(pid_t thread) const;
-  void Hold(pid_t thread);
+  void Hold(pid_t process, pid_t thread);
+  void Release();
 
   std::pmr::vector<HeldThread> m_threads;
   /// Threads that did not stop in time.
   std::pmr::vector<pid_t> m_restless;
+  bool m_isRefused = false;
   std::pmr::memory_resource& m_memory;
 };
 
