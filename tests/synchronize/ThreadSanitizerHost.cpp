@@ -7,9 +7,11 @@
 #include <thread>
 #include <vector>
 
+#include "qilsys/SharedState.h"
 #include "qilsys/TEvent.h"
 #include "qilsys/TLocks.h"
 #include "qilsys/TSemaphore.h"
+#include "qilsys/TThreadPool.h"
 
 namespace {
 
@@ -276,6 +278,35 @@ void CountDroppedLastByTheLibrary() {
       });
 }
 
+void PoolWork() {
+  TThreadPool pool(2, nullptr, nullptr);
+  int value = 1;
+  pool.AddWork([&value] { ++value; }, TThreadPoolWork::Always);
+  pool.JoinAll(std::chrono::milliseconds::max());
+  See(++value);
+}
+
+class DeferredState : public AsyncTask::SharedStateBase {
+ public:
+  void Cancel() override {}
+};
+
+void DeferredTask() {
+  DeferredState state;
+  int written = 0;
+  RunTogether(
+      [&] {
+        written = 1;
+        state.SetDeferred();
+      },
+      [&] {
+        while (!state.TryTakingDeferredOwnership()) {
+          std::this_thread::yield();
+        }
+        ++written;
+      });
+}
+
 struct Story {
   const char* name;
   void (*run)();
@@ -293,6 +324,8 @@ constexpr Story Stories[] = {{"RecursiveMutex", RecursiveMutex},
                              {"WaitForSeveral", WaitForSeveral},
                              {"Semaphore", Semaphore},
                              {"SemaphoreScope", SemaphoreScope},
+                             {"PoolWork", PoolWork},
+                             {"DeferredTask", DeferredTask},
                              {"CountDroppedLastByTheHost", CountDroppedLastByTheHost},
                              {"CountDroppedLastByTheLibrary", CountDroppedLastByTheLibrary}};
 
