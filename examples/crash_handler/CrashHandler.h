@@ -11,8 +11,9 @@
 
 namespace crash_handler {
 
-/// From now on a crash leaves `crash-PID.dmp` and `crash-PID.txt` in the folder, an existing one. To be called once, in the
-/// first thread, which can overflow its stack from then on. False if the system does not let it.
+/// From now on a crash leaves a dump and a text in the folder, which exists: `crash-` with the process's number, and `.dmp`
+/// or `.txt`. To be called once, in the first thread, which can overflow its stack from then on. False if the system does
+/// not let it.
 bool Install(const std::string& folder);
 
 /// If the program has been started as a helper, does the helper's work and gives its exit code. Main calls it first, with

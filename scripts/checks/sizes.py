@@ -10,7 +10,7 @@ MOST_LINES = [('public/', '.h', 700),  # The string's interface is one class, an
               ('main/', '.h', 300),
               ('main/', '.cpp', 350),
               ('tests/', '', 650),
-              ('scripts/', '.txt', 900),  # The list of exported names.
+              ('scripts/', '.txt', 1200),  # The list of exported names.
               ('', '', 450)]
 # The same of a function. A model that tests compare with may say its rules in one piece.
 MOST_LINES_OF_FUNCTION = [('tests/', '', 60), ('', '', 45)]
