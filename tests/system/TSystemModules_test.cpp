@@ -20,37 +20,43 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A folder of this test's own, removed with all that is in it.
+/// A folder of this test's own, removed with all that it has made there.
 class TestFolder : public testing::Test {
  protected:
-  TestFolder() {
-    m_folder = fs::temp_directory_path() / ("qilsys_modules_" + std::to_string(TSystem::ProcessID()));
-    fs::remove_all(m_folder);
-    fs::create_directory(m_folder);
-  }
+  TestFolder() { MakeFolder(m_folder); }
+  // One after another, the last first: together they go by shorter paths than the system needs for some of them.
   ~TestFolder() override {
     std::error_code ignored;
-    fs::remove_all(OfAnyLength(m_folder), ignored);
+    for (; !m_made.empty(); m_made.pop_back()) fs::remove(m_made.back(), ignored);
   }
 
   /// A copy of a file under a name of its own, which is given back.
-  static fs::path Copy(const char* file, const fs::path& to) {
+  fs::path Copy(const char* file, const fs::path& to) {
     fs::copy_file(file, to);
+    m_made.push_back(to);
     return to;
   }
 
-  fs::path m_folder;
-};
-
-/// A path that GetModuleFileName would not have room for in the usual buffer.
-fs::path MakeLongFolder(const fs::path& folder) {
-  fs::path deep = OfAnyLength(folder);
-  for (int i = 0; i < 6; ++i) {
-    deep /= std::string(60, static_cast<char>('a' + i));
-    fs::create_directory(deep);
+  /// A folder whose path GetModuleFileName would not have room for in the usual buffer.
+  fs::path MakeLongFolder() {
+    fs::path deep = OfAnyLength(m_folder);
+    for (const char letter : {'a', 'b', 'c', 'd', 'e', 'f'}) {
+      deep /= std::string(60, letter);
+      MakeFolder(deep);
+    }
+    return deep;
   }
-  return deep;
-}
+
+  const fs::path m_folder = fs::temp_directory_path() / ("qilsys_modules_" + std::to_string(TSystem::ProcessID()));
+
+ private:
+  void MakeFolder(const fs::path& folder) {
+    fs::create_directory(folder);
+    m_made.push_back(folder);
+  }
+
+  std::vector<fs::path> m_made;
+};
 
 testing::AssertionResult Is(const TPathCore& path, const fs::path& file) {
   std::error_code error;
@@ -111,7 +117,7 @@ TEST_F(ProgramElsewhere, IsNamedWhole) {
 
 TEST_F(ProgramElsewhere, MayHaveALongName) {
   QILSYS_SKIP_UNDER_WINE("no program is started by a path of extended length");
-  const fs::path program = Copy(QILSYS_MODULES_PROGRAM, MakeLongFolder(m_folder) / "program.exe");
+  const fs::path program = Copy(QILSYS_MODULES_PROGRAM, MakeLongFolder() / "program.exe");
   SpawnedProcess process({program.string()});
   const std::vector<std::string> lines = WhatItSays(process);
   ASSERT_EQ(lines.size(), 2u);
@@ -144,10 +150,9 @@ TEST_F(ModuleTest, IsFoundAsTheSystemNamesIt) {
 }
 
 TEST_F(ModuleTest, MayHaveALongName) {
-  const fs::path file = Copy(QILSYS_PLAIN_MODULE, MakeLongFolder(m_folder) / "long_module.dll");
-  std::optional<LoadedModule> module;
-  module.emplace(file);
-  const TPathCore found = TSystem::ModuleFilename(module->AddressOf("PlaceInModule"));
+  const fs::path file = Copy(QILSYS_PLAIN_MODULE, MakeLongFolder() / "long_module.dll");
+  const LoadedModule module(file);
+  const TPathCore found = TSystem::ModuleFilename(module.AddressOf("PlaceInModule"));
   EXPECT_GT(found.GenericString().length(), 366);
   EXPECT_EQ(Utf8(found.Filename().GenericString()), "long_module.dll");
   EXPECT_EQ(Utf8(found.Parent().Filename().GenericString()), std::string(60, 'f'));
