@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "qilsys/TCodeUnit.h"
+#include "qilsys/ThreadSanitizer.h"
 
 namespace qilsys {
 
@@ -21,11 +22,19 @@ struct StringBlock {
 
   /// Acquire, so that a writer that finds itself alone has seen the end of every other string's reads.
   int references() const noexcept {
-    return std::atomic_ref<std::int32_t>(const_cast<std::int32_t&>(refCount)).load(std::memory_order_acquire);
+    const int count = std::atomic_ref(const_cast<std::int32_t&>(refCount)).load(std::memory_order_acquire);
+    if (count == 1) base::AnnounceAcquire(this);
+    return count;
   }
   void retain() noexcept { std::atomic_ref<std::int32_t>(refCount).fetch_add(1); }
   /// True for the last holder, which needs no atomic step: nobody is left who could copy the block meanwhile.
-  bool release() noexcept { return references() == 1 || std::atomic_ref<std::int32_t>(refCount).fetch_sub(1) == 1; }
+  bool release() noexcept {
+    if (references() == 1) return true;
+    base::AnnounceRelease(this);
+    if (std::atomic_ref<std::int32_t>(refCount).fetch_sub(1) != 1) return false;
+    base::AnnounceAcquire(this);
+    return true;
+  }
 };
 
 static_assert(sizeof(StringBlock) == 12 && offsetof(StringBlock, refCount) == 0 &&

@@ -11,6 +11,7 @@
 #include "qilsys/TEvent.h"
 #include "qilsys/TLocks.h"
 #include "qilsys/TSemaphore.h"
+#include "qilsys/TStringCore.h"
 #include "qilsys/TThreadPool.h"
 
 namespace {
@@ -286,6 +287,25 @@ void PoolWork() {
   See(++value);
 }
 
+// The thread that finds itself the only holder of a text writes to it in place.
+void SharedText() {
+  TStringCore text(u"longer than a string can hold without a block");
+  TStringCore copy = text;
+  std::atomic<bool> isDropped = false;
+  RunTogether(
+      [&] {
+        See(*copy.constData());
+        copy = TStringCore();
+        isDropped.store(true, std::memory_order_relaxed);
+      },
+      [&] {
+        while (!isDropped.load(std::memory_order_relaxed)) {
+          std::this_thread::yield();
+        }
+        text.replace(0, 6, u"as long as all that");
+      });
+}
+
 class DeferredState : public AsyncTask::SharedStateBase {
  public:
   void Cancel() override {}
@@ -326,6 +346,7 @@ constexpr Story Stories[] = {{"RecursiveMutex", RecursiveMutex},
                              {"SemaphoreScope", SemaphoreScope},
                              {"PoolWork", PoolWork},
                              {"DeferredTask", DeferredTask},
+                             {"SharedText", SharedText},
                              {"CountDroppedLastByTheHost", CountDroppedLastByTheHost},
                              {"CountDroppedLastByTheLibrary", CountDroppedLastByTheLibrary}};
 
