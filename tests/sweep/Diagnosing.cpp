@@ -33,6 +33,14 @@ class WalkingThread {
  private:
   enum class Order { Wait, Walk, End };
 
+  // Before memory runs out: for the first exception of a thread, GCC's library for Windows takes some, and ends the process
+  // where there is none.
+  static void TakeMemoryForExceptions() {
+    try {
+      throw 0;
+    } catch (int) {
+    }
+  }
   void Tell(Order order, Order until) {
     std::unique_lock lock(m_mutex);
     m_order = order;
@@ -40,6 +48,7 @@ class WalkingThread {
     m_told.wait(lock, [&] { return m_order == until; });
   }
   void WalkUntilTheEnd() {
+    TakeMemoryForExceptions();
     std::unique_lock lock(m_mutex);
     while (true) {
       m_told.wait(lock, [&] { return m_order != Order::Wait; });
