@@ -86,7 +86,11 @@ class QILSYS_API TFormatStringCore {
   }
   template <qilsys::ShownGenerically P, std::integral Fill>
   TFormatStringCore& arg(const P& a, int fieldWidth, Fill fill) {
-    return arg(a.GenericString(), fieldWidth, fill);
+    if constexpr (qilsys::ForeignUnit<Fill>) {
+      return arg(a.GenericString(), fieldWidth, fill);
+    } else {
+      return arg(a.GenericString(), fieldWidth, static_cast<TCodeUnit>(fill));
+    }
   }
 
   /// Appends two to ten texts in order, unpadded; all of them or none.

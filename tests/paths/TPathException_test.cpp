@@ -53,7 +53,8 @@ TEST(TPathCoreException, HasNoFramesWhileWalksAreOff) {
 TEST(TPathCoreException, KeepsItsClassInCopies) {
   const TPathCore::Exception exception(u"text", SomeError(), false);
   const std::unique_ptr<QuillonException> clone(static_cast<const QuillonException&>(exception).Clone());
-  EXPECT_EQ(typeid(*clone), typeid(TPathCore::Exception));
+  const QuillonException& copy = *clone;
+  EXPECT_EQ(typeid(copy), typeid(TPathCore::Exception));
   EXPECT_EQ(Utf8(clone->GetMessagesFront()), "text");
   try {
     clone->Throw();
