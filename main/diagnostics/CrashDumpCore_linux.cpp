@@ -74,8 +74,9 @@ class CoreMaker {
     const auto machine = ParseElfMachine(BytesOfText(m_process.ReadFile("exe", BlockBytes)));
     if (!machine || m_mappings.empty()) return false;
     AddNotes();
-    for (const Mapping& mapping : m_mappings)
+    for (const Mapping& mapping : m_mappings) {
       m_process.AddTaken(mapping, TakenOf(mapping, m_request.content), m_ranges);
+    }
     AddModuleList(BytesOfText(m_auxiliary), m_process, m_ranges);
     const auto segments = CutIntoSegments(m_mappings, std::move(m_ranges), m_process.PageSize(), m_memory);
     const CoreHead head = MakeCoreHead(*machine, segments, m_notes.size(), m_process.PageSize(), m_memory);

@@ -28,8 +28,8 @@ struct ClosedAtExit {
 }  // namespace
 
 SymbolEngine& SymbolEngine::Instance() {
-  static const ClosedAtExit s_closed;
-  return *s_closed.engine;
+  static const ClosedAtExit Closed;
+  return *Closed.engine;
 }
 
 SymbolEngine::SymbolEngine(std::unique_ptr<ISymbolSource> (*makeSource)()) : m_makeSource(makeSource) {}

@@ -32,6 +32,7 @@ TPathCore::iterator::Element TPathCore::iterator::ElementAt(const Root& root, in
 }
 
 TPathCore::iterator& TPathCore::iterator::operator=(const iterator& other) {
+  if (this == &other) return *this;
   if (m_path != other.m_path) {
     // The misspelling is on purpose: logs are searched for it.
     Fail("Invalid TPathCore::iterator asignment of from one TPathCore to different TPathCore.", 0x4E3E0D3F,
