@@ -67,7 +67,8 @@ bool IsAlive(pid_t process, pid_t thread) {
   const FileDescriptor file(Uninterrupted([&] { return open(path.CStr(), O_RDONLY | O_CLOEXEC); }));
   char text[512];
   const ssize_t length = Uninterrupted([&] { return read(file.Get(), text, sizeof text); });
-  const auto stat = length > 0 ? ParseProcessStat({text, static_cast<std::size_t>(length)}) : std::nullopt;
+  if (length <= 0) return false;
+  const auto stat = ParseProcessStat({text, static_cast<std::size_t>(length)});
   return stat && stat->state != 'Z' && stat->state != 'X';
 }
 
