@@ -24,6 +24,8 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <regex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -94,22 +96,29 @@ std::string ShowByGdb(const std::string& core) {
                    "thread apply all -s -q frame apply all -s -q info locals", QILSYS_DUMP_TARGET, core});
 }
 
-// It shows variables of the frame that it stands on only, so it walks over those that may be the one.
-std::string ShowByLldb(const std::string& core) {
+std::string OutputOfLldb(const std::string& core, const std::vector<std::string>& commands) {
   std::vector<std::string> words{"/usr/bin/lldb", "--batch", "--no-lldbinit", "--script-language", "none"};
-  const auto add = [&](const std::string& command) { words.insert(words.end(), {"-o", command}); };
-  add("settings set interpreter.stop-command-source-on-error false");
-  add("target create " QILSYS_DUMP_TARGET " --core " + core);
-  add("thread backtrace all");
-  add("image list");
-  for (int thread = 1; thread <= 5; ++thread) {
-    add("thread select " + std::to_string(thread));
-    for (int frame = 4; frame <= 10; ++frame) {
-      add("frame select " + std::to_string(frame));
-      add("frame variable");
-    }
+  words.insert(words.end(), {"-o", "target create " QILSYS_DUMP_TARGET " --core " + core});
+  for (const std::string& command : commands) {
+    words.insert(words.end(), {"-o", command});
   }
   return OutputOf(words);
+}
+
+// It shows variables of the frame that it stands on only, and gives up at a frame that there is not.
+std::string ShowByLldb(const std::string& core) {
+  const std::string shown = OutputOfLldb(core, {"thread backtrace all", "image list"});
+  std::istringstream lines(shown);
+  std::string thread;
+  std::smatch match;
+  for (std::string line; std::getline(lines, line);) {
+    if (std::regex_search(line, match, std::regex("thread #([0-9]+)"))) thread = match[1];
+    if (std::regex_search(line, match, std::regex("frame #([0-9]+):.*RestOfTheBaker"))) {
+      return shown +
+             OutputOfLldb(core, {"thread select " + thread, "frame select " + match[1].str(), "frame variable"});
+    }
+  }
+  return shown;
 }
 
 class CrashDumpDebugger : public testing::TestWithParam<Debugger> {
