@@ -66,6 +66,6 @@ int WriteCrashDump(void* process, unsigned long processId, const TCodeUnit* path
   // That library serves one thread at a time.
   static std::mutex s_oneAtATime;
   const std::lock_guard lock(s_oneAtATime);
-  static const DumpCalls s_calls = LoadCalls();
-  return WriteDump(s_calls, process, processId, path, type);
+  static const DumpCalls Calls = LoadCalls();
+  return WriteDump(Calls, process, processId, path, type);
 }

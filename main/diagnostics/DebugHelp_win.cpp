@@ -43,8 +43,8 @@ std::optional<DebugHelp> LoadDebugHelp() noexcept {
 }  // namespace
 
 const DebugHelp* TheDebugHelp() noexcept {
-  static const std::optional<DebugHelp> s_help = LoadDebugHelp();
-  return s_help ? &*s_help : nullptr;
+  static const std::optional<DebugHelp> Help = LoadDebugHelp();
+  return Help ? &*Help : nullptr;
 }
 
 }  // namespace qilsys::diagnostics

@@ -11,8 +11,8 @@
 
 // Set up by the runtime for what the loader does: each thread is started with a copy of the module's template.
 extern "C" {
-extern ULONG _tls_index;
-extern const IMAGE_TLS_DIRECTORY64 _tls_used;
+extern ULONG _tls_index;                       // NOLINT(readability-identifier-naming)
+extern const IMAGE_TLS_DIRECTORY64 _tls_used;  // NOLINT(readability-identifier-naming)
 }
 
 namespace AsyncTask {

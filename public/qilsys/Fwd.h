@@ -51,8 +51,11 @@ class TLS;  // AsyncTaskTls.h
 struct Cancel;
 class CancelException;
 class IWaitHandler;  // WaitHandler.h
+class OwningWaitHandlerScopeGuard;
+class WaitHandlerScopeGuard;
 class IWrappedFuture;
 class InvalidFutureException;
+class ScopedCancelImpersonation;
 class SharedStateBase;  // SharedState.h
 }  // namespace AsyncTask
 class TThreadPool;

@@ -33,7 +33,7 @@ def check_contents(report, headers):
         include = path.removeprefix('public/')
         if f'#include "{include}"' not in everything and include != 'qilsys/qilsys.h':
             report.wrong(path, 'not included by qilsys/qilsys.h')
-        for kind, name in re.findall(r'^(class|struct) (?:QILSYS_API |\[\[\w+\]\] )+(\w+)[^;:]*[:{]', read(path), re.M):
+        for kind, name in re.findall(r'^(class|struct) (?:QILSYS_API |\[\[\w+\]\] )+(\w+)\b(?!::)[^;:]*[:{]', read(path), re.M):
             if not re.search(rf'^ *{kind} {name};', names, re.M):
                 report.wrong(f'{path}:{name}', 'not declared in qilsys/Fwd.h')
 
