@@ -56,4 +56,10 @@ std::optional<std::uint64_t> BytesOfRow(std::string_view text, std::string_view 
   return *kilobytes * 1024;
 }
 
+std::string_view WithoutDeletedMark(std::string_view name) {
+  constexpr std::string_view Mark = " (deleted)";
+  if (name.ends_with(Mark)) name.remove_suffix(Mark.size());
+  return name;
+}
+
 }  // namespace qilsys::base

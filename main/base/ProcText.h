@@ -30,4 +30,7 @@ std::optional<std::string_view> ValueOf(std::string_view text, std::string_view 
 /// pass 64 bits.
 std::optional<std::uint64_t> BytesOfRow(std::string_view text, std::string_view key);
 
+/// The name of a file without the mark, " (deleted)", that the kernel puts behind that of one that is no longer there.
+std::string_view WithoutDeletedMark(std::string_view name);
+
 }  // namespace qilsys::base

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/ProcText.h"
+
 namespace qilsys::diagnostics {
 
 namespace {
@@ -24,7 +26,9 @@ bool IsTaken(std::uint64_t entry, Taken taken) {
   return taken != Taken::OwnPages || (entry & PageIsOfFile) == 0;
 }
 
-bool IsOfFile(const Mapping& mapping) { return mapping.name.starts_with('/') && !mapping.name.ends_with(" (deleted)"); }
+bool IsOfFile(const Mapping& mapping) {
+  return mapping.name.starts_with('/') && base::WithoutDeletedMark(mapping.name) == mapping.name;
+}
 
 const Mapping* Find(std::span<const Mapping> mappings, std::uint64_t address) {
   const auto at =

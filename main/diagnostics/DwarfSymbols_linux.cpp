@@ -11,6 +11,7 @@
 #include <new>
 #include <string_view>
 
+#include "base/ProcText.h"
 #include "diagnostics/DebugFile_linux.h"
 
 namespace qilsys::diagnostics {
@@ -32,12 +33,6 @@ std::string Demangled(std::string name) {
   name.resize(std::min(name.find('@'), name.size()));
   const std::unique_ptr<char, Free> text(abi::__cxa_demangle(name.c_str(), nullptr, nullptr, nullptr));
   return name.starts_with("_Z") && text ? text.get() : name;
-}
-
-// The kernel marks a file that has been removed or replaced since.
-std::string_view WithoutMark(std::string_view path) {
-  constexpr std::string_view Mark = " (deleted)";
-  return path.ends_with(Mark) ? path.substr(0, path.size() - Mark.size()) : path;
 }
 
 // Keeps the calling thread from being cancelled where libdw reads files, which would be left half read.
@@ -95,7 +90,7 @@ void DwarfSymbols::FindNames(std::uint64_t lookUp, StackFrameInfo& frame) {
   if (!handle) return;
   ModuleOf(handle);
   const char* const path = m_dw.dwfl_module_info(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-  frame.m_moduleName = ShortModuleName(WithoutMark(path));
+  frame.m_moduleName = ShortModuleName(base::WithoutDeletedMark(path));
   GElf_Off offset = 0;
   GElf_Sym symbol;
   if (const char* const name = m_dw.dwfl_module_addrinfo(handle, lookUp, &offset, &symbol, nullptr, nullptr, nullptr)) {

@@ -13,6 +13,7 @@
 #include <new>
 #include <string>
 
+#include "base/ProcText.h"
 #include "system/ModuleName.h"
 #include "system/TextFile_linux.h"
 
@@ -43,7 +44,7 @@ bool IsProgram(const char* name) {
 // What reads as the mark may be the end of the file's own name.
 std::string ProgramName() {
   std::string name = TextOfProgramLink();
-  const std::size_t unmarked = WithoutDeletedMark(name).size();
+  const std::size_t unmarked = base::WithoutDeletedMark(name).size();
   if (unmarked < name.size() && !IsProgram(name.c_str())) name.resize(unmarked);
   return name;
 }
@@ -54,7 +55,7 @@ std::string FullName(const char* name, const void* address) {
   if (*name == 0) return ProgramName();
   if (*name == '/') return name;
   const std::string maps = ReadTextFile("/proc/self/maps");
-  return std::string(WithoutDeletedMark(MappedFileAt(maps, reinterpret_cast<std::uintptr_t>(address))));
+  return std::string(base::WithoutDeletedMark(MappedFileAt(maps, reinterpret_cast<std::uintptr_t>(address))));
 }
 
 struct NamedModule {

@@ -12,8 +12,6 @@ using base::TakeWord;
 
 namespace {
 
-constexpr std::string_view DeletedMark = " (deleted)";
-
 // Behind the addresses: permissions, offset, device, number of the file.
 constexpr int WordsBeforeName = 4;
 
@@ -38,11 +36,6 @@ std::string_view FileOfRow(std::string_view row, std::uint64_t address) {
 }
 
 }  // namespace
-
-std::string_view WithoutDeletedMark(std::string_view name) {
-  if (name.ends_with(DeletedMark)) name.remove_suffix(DeletedMark.size());
-  return name;
-}
 
 std::string_view FilenameOf(std::string_view name) { return name.substr(name.rfind('/') + 1); }
 

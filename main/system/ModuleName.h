@@ -7,9 +7,6 @@
 
 namespace qilsys::system {
 
-/// The name without the mark of a file that has been removed, " (deleted)", at its end.
-std::string_view WithoutDeletedMark(std::string_view name);
-
 /// What stands behind the last "/".
 std::string_view FilenameOf(std::string_view name);
 

@@ -118,4 +118,12 @@ INSTANTIATE_TEST_SUITE_P(
     test::RowName<KilobyteRow>);
 
 }  // namespace
+TEST(DeletedMark, IsTakenOffTheEnd) {
+  EXPECT_EQ(WithoutDeletedMark("/a/b (deleted)"), "/a/b");
+  EXPECT_EQ(WithoutDeletedMark("/a/b (deleted) (deleted)"), "/a/b (deleted)");
+  EXPECT_EQ(WithoutDeletedMark("/a (deleted)/b"), "/a (deleted)/b");
+  EXPECT_EQ(WithoutDeletedMark("/a/b(deleted)"), "/a/b(deleted)");
+  EXPECT_EQ(WithoutDeletedMark(""), "");
+}
+
 }  // namespace qilsys::base

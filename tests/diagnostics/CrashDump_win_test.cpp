@@ -9,9 +9,9 @@
 namespace qilsys::diagnostics {
 namespace {
 
-const HANDLE s_process = reinterpret_cast<HANDLE>(0x101);
-const HANDLE s_opened = reinterpret_cast<HANDLE>(0x202);
-const HANDLE s_file = reinterpret_cast<HANDLE>(0x303);
+const HANDLE GivenProcess = reinterpret_cast<HANDLE>(0x101);
+const HANDLE OpenedProcess = reinterpret_cast<HANDLE>(0x202);
+const HANDLE DumpFile = reinterpret_cast<HANDLE>(0x303);
 
 /// What the system was asked for.
 struct Asked {
@@ -21,7 +21,7 @@ struct Asked {
   bool hasSecurity = true;
   DWORD disposition = 0;
   DWORD attributes = 0;
-  HANDLE like = s_file;
+  HANDLE like = DumpFile;
 
   HANDLE process = nullptr;
   DWORD processId = 0;
@@ -44,7 +44,7 @@ HANDLE WINAPI RecordCreateFile(LPCWSTR path, DWORD access, DWORD sharing, LPSECU
   g_asked.disposition = disposition;
   g_asked.attributes = attributes;
   g_asked.like = like;
-  return s_file;
+  return DumpFile;
 }
 
 HANDLE WINAPI FailToCreateFile(LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
@@ -71,7 +71,7 @@ BOOL WINAPI ThrowFromDump(HANDLE, DWORD, HANDLE, MINIDUMP_TYPE, PMINIDUMP_EXCEPT
 HANDLE WINAPI RecordOpenProcess(DWORD rights, BOOL, DWORD processId) {
   g_asked.rights = rights;
   g_asked.openedId = processId;
-  return s_opened;
+  return OpenedProcess;
 }
 
 BOOL WINAPI RecordClose(HANDLE handle) {
@@ -87,7 +87,7 @@ class CrashDumpCalls : public testing::Test {
 };
 
 TEST_F(CrashDumpCalls, TheFileIsAskedForAnewForWritingAndSharedWithAll) {
-  WriteDump(m_calls, s_process, 12, L"C:\\dumps\\one.dmp", MiniDumpNormal);
+  WriteDump(m_calls, GivenProcess, 12, L"C:\\dumps\\one.dmp", MiniDumpNormal);
   EXPECT_EQ(g_asked.path, L"C:\\dumps\\one.dmp");
   EXPECT_EQ(g_asked.access, 0x40000000u);
   EXPECT_EQ(g_asked.sharing, 3u);
@@ -98,35 +98,35 @@ TEST_F(CrashDumpCalls, TheFileIsAskedForAnewForWritingAndSharedWithAll) {
 }
 
 TEST_F(CrashDumpCalls, TheDumpGetsProcessIdFileAndTypeAndNothingElse) {
-  const int result = WriteDump(m_calls, s_process, 12, L"one.dmp", MiniDumpWithFullMemory);
+  const int result = WriteDump(m_calls, GivenProcess, 12, L"one.dmp", MiniDumpWithFullMemory);
   EXPECT_EQ(result, 77);
-  EXPECT_EQ(g_asked.process, s_process);
+  EXPECT_EQ(g_asked.process, GivenProcess);
   EXPECT_EQ(g_asked.processId, 12u);
-  EXPECT_EQ(g_asked.file, s_file);
+  EXPECT_EQ(g_asked.file, DumpFile);
   EXPECT_EQ(g_asked.type, MiniDumpWithFullMemory);
   EXPECT_FALSE(g_asked.hasExtras);
-  EXPECT_EQ(g_asked.closed, std::vector{s_file});
+  EXPECT_EQ(g_asked.closed, std::vector{DumpFile});
 }
 
 TEST_F(CrashDumpCalls, AFileThatIsNotMadeIsHandedOnAndNotClosed) {
   m_calls.createFileW = &FailToCreateFile;
-  EXPECT_EQ(WriteDump(m_calls, s_process, 12, L"one.dmp", MiniDumpNormal), 0);
+  EXPECT_EQ(WriteDump(m_calls, GivenProcess, 12, L"one.dmp", MiniDumpNormal), 0);
   EXPECT_EQ(g_asked.file, INVALID_HANDLE_VALUE);
   EXPECT_EQ(g_asked.closed, std::vector<HANDLE>());
 }
 
 TEST_F(CrashDumpCalls, TheFileIsClosedWhenAnExceptionPasses) {
   m_calls.miniDumpWriteDump = &ThrowFromDump;
-  EXPECT_THROW(WriteDump(m_calls, s_process, 12, L"one.dmp", MiniDumpNormal), std::runtime_error);
-  EXPECT_EQ(g_asked.closed, std::vector{s_file});
+  EXPECT_THROW(WriteDump(m_calls, GivenProcess, 12, L"one.dmp", MiniDumpNormal), std::runtime_error);
+  EXPECT_EQ(g_asked.closed, std::vector{DumpFile});
 }
 
 TEST_F(CrashDumpCalls, WithoutAHandleTheProcessIsOpenedByItsIdAndClosed) {
   EXPECT_EQ(WriteDump(m_calls, nullptr, 12, L"one.dmp", MiniDumpNormal), 77);
   EXPECT_EQ(g_asked.openedId, 12u);
   EXPECT_EQ(g_asked.rights, 0x400u | 0x10u | 0x40u);
-  EXPECT_EQ(g_asked.process, s_opened);
-  EXPECT_EQ(g_asked.closed, (std::vector{s_file, s_opened}));
+  EXPECT_EQ(g_asked.process, OpenedProcess);
+  EXPECT_EQ(g_asked.closed, (std::vector{DumpFile, OpenedProcess}));
 }
 
 TEST_F(CrashDumpCalls, AProcessThatMayNotBeOpenedLeavesTheFileAlone) {
@@ -136,13 +136,13 @@ TEST_F(CrashDumpCalls, AProcessThatMayNotBeOpenedLeavesTheFileAlone) {
 }
 
 TEST_F(CrashDumpCalls, WithAHandleNothingIsOpened) {
-  WriteDump(m_calls, s_process, 12, L"one.dmp", MiniDumpNormal);
+  WriteDump(m_calls, GivenProcess, 12, L"one.dmp", MiniDumpNormal);
   EXPECT_EQ(g_asked.openedId, 0u);
 }
 
 TEST_F(CrashDumpCalls, WithoutTheSystemsLibraryThereIsNoDumpAndNoFile) {
   m_calls.miniDumpWriteDump = nullptr;
-  EXPECT_EQ(WriteDump(m_calls, s_process, 12, L"one.dmp", MiniDumpNormal), 0);
+  EXPECT_EQ(WriteDump(m_calls, GivenProcess, 12, L"one.dmp", MiniDumpNormal), 0);
   EXPECT_EQ(g_asked.path, L"");
 }
 

@@ -103,16 +103,16 @@ TEST_F(WalksTest, FilesThatAWalkOpensAreNotThoseOfProgramsThatTheProcessStarts) 
   EXPECT_THAT(DescriptorsKeptByPrograms(), testing::Each(testing::Not(testing::HasSubstr(".so"))));
 }
 
-std::array<CapturedFrame, 64> s_frames;
-std::size_t s_count = 0;
-std::uint64_t s_interrupted = 0;
-sigjmp_buf s_afterFault;
+std::array<CapturedFrame, 64> g_frames;
+std::size_t g_count = 0;
+std::uint64_t g_interrupted = 0;
+sigjmp_buf g_afterFault;
 
 // The handler of a signal may capture, though it may not walk.
 void Capture(int, siginfo_t* info, void*) {
-  s_interrupted = reinterpret_cast<std::uint64_t>(info->si_addr);
-  s_count = CaptureStack(s_frames);
-  siglongjmp(s_afterFault, 1);
+  g_interrupted = reinterpret_cast<std::uint64_t>(info->si_addr);
+  g_count = CaptureStack(g_frames);
+  siglongjmp(g_afterFault, 1);
 }
 
 TEST(CaptureStackTest, AFrameThatASignalHasInterruptedStandsWhereItIs) {
@@ -121,13 +121,13 @@ TEST(CaptureStackTest, AFrameThatASignalHasInterruptedStandsWhereItIs) {
   ours.sa_flags = SA_SIGINFO;
   struct sigaction before {};
   ASSERT_EQ(sigaction(SIGILL, &ours, &before), 0);
-  if (sigsetjmp(s_afterFault, 1) == 0) __builtin_trap();
+  if (sigsetjmp(g_afterFault, 1) == 0) __builtin_trap();
   sigaction(SIGILL, &before, nullptr);
   int interrupted = 0;
-  for (std::size_t i = 0; i < s_count; ++i) {
-    const bool isInterrupted = s_frames[i].address == s_interrupted;
+  for (std::size_t i = 0; i < g_count; ++i) {
+    const bool isInterrupted = g_frames[i].address == g_interrupted;
     interrupted += isInterrupted;
-    EXPECT_EQ(s_frames[i].lookUp, s_frames[i].address - (isInterrupted ? 0 : 1)) << "frame " << i;
+    EXPECT_EQ(g_frames[i].lookUp, g_frames[i].address - (isInterrupted ? 0 : 1)) << "frame " << i;
   }
   EXPECT_EQ(interrupted, 1);
 }

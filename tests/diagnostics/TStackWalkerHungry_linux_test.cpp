@@ -38,7 +38,7 @@ enum class Heap {
   HasScrapsOnly,  // What is not small, as if small blocks had been given back; and whatever the loader asks for.
 };
 Heap s_heap = Heap::Whole;
-long s_left = 0;
+long g_left = 0;
 bool s_isOpening = false;
 bool s_hasRefused = false;
 
@@ -52,9 +52,9 @@ bool Lacks(std::size_t size, const void* caller) {
   constexpr std::size_t Scrap = 1024;
   switch (s_heap) {
     case Heap::LacksOneBlock:
-      return (s_isOpening || !IsOfLoader(caller)) && s_left-- == 0;
+      return (s_isOpening || !IsOfLoader(caller)) && g_left-- == 0;
     case Heap::HasBudget:
-      return static_cast<long>(size) > s_left;
+      return static_cast<long>(size) > g_left;
     case Heap::HasScrapsOnly:
       return size > Scrap || IsOfLoader(caller);
     default:
@@ -63,7 +63,7 @@ bool Lacks(std::size_t size, const void* caller) {
 }
 
 void TakeBack(void* block) {
-  if (s_heap == Heap::HasBudget) s_left += static_cast<long>(malloc_usable_size(block));
+  if (s_heap == Heap::HasBudget) g_left += static_cast<long>(malloc_usable_size(block));
 }
 
 // What `make` gives for the block that there was, unless it is to be refused.
@@ -76,17 +76,17 @@ void* Give(std::size_t size, const void* caller, void* before, Make make) {
   }
   TakeBack(before);
   void* const block = make();
-  if (s_heap == Heap::HasBudget) s_left -= static_cast<long>(malloc_usable_size(block));
+  if (s_heap == Heap::HasBudget) g_left -= static_cast<long>(malloc_usable_size(block));
   return block;
 }
 
 // Where a thread that opens libdw waits until another one loads a module; and whether there is no libdw.
-std::atomic<bool> s_isToMeet = false;
+std::atomic<bool> g_isToMeet = false;
 qilsys::test::Latch s_atOpening(1);
 qilsys::test::Latch s_isLoading(1);
 bool s_opensNothing = false;
 
-const auto s_dlopen = reinterpret_cast<void* (*)(const char*, int)>(dlsym(RTLD_NEXT, "dlopen"));
+const auto RealDlopen = reinterpret_cast<void* (*)(const char*, int)>(dlsym(RTLD_NEXT, "dlopen"));
 
 }  // namespace
 
@@ -107,12 +107,12 @@ QILSYS_IN_PLACE void free(void* block) {
 }
 QILSYS_IN_PLACE void* dlopen(const char* file, int mode) {
   if (s_opensNothing) return nullptr;
-  if (s_isToMeet) {
+  if (g_isToMeet) {
     s_atOpening.CountDown();
     s_isLoading.Wait();
   }
   s_isOpening = true;
-  void* const library = s_dlopen(file, mode);
+  void* const library = RealDlopen(file, mode);
   s_isOpening = false;
   return library;
 }
@@ -138,7 +138,7 @@ int EndingOfChild(Work work) {
 // The first walk of the process on such a heap, and another one on the whole heap.
 int WalkHungry(Heap heap, long left) {
   TStackWalker walker;
-  s_left = left;
+  g_left = left;
   s_heap = heap;
   const bool hasLines = walker.GenerateCallstack();
   s_heap = Heap::Whole;
@@ -199,10 +199,10 @@ TEST(OpeningTest, WithoutLibDwLinesShowAddresses) {
 TEST(OpeningTest, AModuleMayWalkWhileItIsLoaded) {
   TStackWalker::InitSym(true);
   const auto walk = [] {
-    s_isToMeet = true;
+    g_isToMeet = true;
     std::thread other([] { TStackWalker().GenerateCallstack(); });
     s_atOpening.Wait();
-    s_isToMeet = false;
+    g_isToMeet = false;
     void* const module = dlopen(QILSYS_WALKING_MODULE, RTLD_NOW | RTLD_LOCAL);
     other.join();
     const auto result = module ? reinterpret_cast<int (*)()>(dlsym(module, "ResultOfLoading")) : nullptr;

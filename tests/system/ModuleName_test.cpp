@@ -45,14 +45,6 @@ TEST(MappedFile, IsNoneInTextOfAnotherKind) {
   EXPECT_EQ(MappedFileAt("maps\n0-1 r-xp 0 0:0 0 /x", 0), "/x");
 }
 
-TEST(DeletedMark, IsTakenOffTheEnd) {
-  EXPECT_EQ(WithoutDeletedMark("/a/b (deleted)"), "/a/b");
-  EXPECT_EQ(WithoutDeletedMark("/a/b (deleted) (deleted)"), "/a/b (deleted)");
-  EXPECT_EQ(WithoutDeletedMark("/a (deleted)/b"), "/a (deleted)/b");
-  EXPECT_EQ(WithoutDeletedMark("/a/b(deleted)"), "/a/b(deleted)");
-  EXPECT_EQ(WithoutDeletedMark(""), "");
-}
-
 TEST(FilenameOfModule, StandsBehindTheLastSeparator) {
   EXPECT_EQ(FilenameOf("/a/b.so"), "b.so");
   EXPECT_EQ(FilenameOf("b.so"), "b.so");

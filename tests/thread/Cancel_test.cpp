@@ -7,6 +7,7 @@
 #include <thread>
 #include <type_traits>
 
+#include "CancelEvents.h"
 #include "qilsys/AsyncTaskTls.h"
 #include "qilsys/CancelException.h"
 #include "support/CaughtAssertion.h"
@@ -16,16 +17,13 @@ namespace {
 
 using AsyncTask::Cancel;
 using AsyncTask::CancelException;
+using qilsys::test::CancelPtr;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
+using qilsys::test::MakeCancel;
+using qilsys::test::NullDereference;
 using qilsys::test::RecordedAssertions;
 
-using CancelPtr = RefCntPtr<TCancelEvent>;
-
-CancelPtr MakeCancel() { return CancelPtr(new TCancelEvent); }
-
-const CaughtAssertion NullDereference{"public/qilsys/ReferenceCount", 340, "Null pointer dereferenced", 0x00BF554A,
-                                      "LogicException_LogicAssert_0x00BF554A"};
 const CaughtAssertion CreateAsserts{"main/thread/Cancel", 52, "TLS::Get().GetCancelEvent() == nullptr", 0xCC8BF328,
                                     "LogicException_LogicAssert_0xCC8BF328"};
 const CaughtAssertion SetAsserts{"main/thread/Cancel", 75, "!newCancelEvent", 0x77EEF7F7,

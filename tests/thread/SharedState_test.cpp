@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "CancelEvents.h"
 #include "PlainState.h"
 #include "qilsys/AsyncTaskHooks.h"
 #include "qilsys/CancelException.h"
@@ -17,18 +18,15 @@ namespace {
 
 using namespace std::chrono_literals;
 using AsyncTask::WhenCanceled;
+using qilsys::test::CancelPtr;
 using qilsys::test::CatchAssertion;
 using qilsys::test::CaughtAssertion;
 using qilsys::test::Eventually;
+using qilsys::test::MakeCancel;
+using qilsys::test::NullDereference;
 using qilsys::test::PlainState;
 using qilsys::test::RecordedAssertions;
 
-using CancelPtr = RefCntPtr<TCancelEvent>;
-
-CancelPtr MakeCancel() { return CancelPtr(new TCancelEvent); }
-
-const CaughtAssertion NullDereference{"public/qilsys/ReferenceCount", 340, "Null pointer dereferenced", 0x00BF554A,
-                                      "LogicException_LogicAssert_0x00BF554A"};
 const CaughtAssertion SetTwice{"main/thread/SharedState", 56, "!m_cancel", 0xAE2A193B,
                                "LogicException_LogicAssert_0xAE2A193B"};
 const CaughtAssertion NotReady{"main/thread/SharedState", 125, "m_ready->IsSet()", 0xFCC690FC,
